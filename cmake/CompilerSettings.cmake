@@ -1,0 +1,24 @@
+# Flags that every target of the project is compiled with.
+
+set(CMAKE_CXX_STANDARD 23)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+find_program(CCACHE ccache)
+if(CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
+                    -Woverloaded-virtual -Wimplicit-fallthrough)
+if(BREVANE_WERROR)
+  add_compile_options(-Werror)
+endif()
+if(BREVANE_SANITIZE)
+  add_compile_options(-fsanitize=${BREVANE_SANITIZE} -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${BREVANE_SANITIZE})
+  if(BREVANE_SANITIZE MATCHES "undefined")
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()

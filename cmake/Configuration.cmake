@@ -1,0 +1,23 @@
+# What Brevane is compiled against on the user's machine. The program has no settings at run time.
+
+if(APPLE)
+  set(default_tailscale_bin /Applications/Tailscale.app/Contents/MacOS/tailscale)
+else()
+  set(default_tailscale_bin /usr/bin/tailscale)
+endif()
+set(BREVANE_TAILSCALE_BIN ${default_tailscale_bin} CACHE STRING "Path of the tailscale executable")
+set(BREVANE_SHELL /bin/zsh CACHE STRING "Login shell that runs every command line")
+set(BREVANE_SEARCH_PATH /usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin:/sbin
+    CACHE STRING "PATH of every command")
+
+# The executable stands unquoted in a command line, so the shell must take it for one plain word.
+string(REGEX REPLACE "[A-Za-z0-9_./+,:@%-]" "" unsafe "${BREVANE_TAILSCALE_BIN}")
+if(NOT unsafe STREQUAL "")
+  string(SUBSTRING "${unsafe}" 0 1 character)
+  message(FATAL_ERROR
+    "BREVANE_TAILSCALE_BIN holds the character '${character}', which the shell may split or "
+    "interpret: ${BREVANE_TAILSCALE_BIN}\nChoose a path of letters, digits and _ . / + , : @ % - only.")
+endif()
+if(NOT BREVANE_TAILSCALE_BIN MATCHES "^/")
+  message(FATAL_ERROR "BREVANE_TAILSCALE_BIN must be an absolute path: '${BREVANE_TAILSCALE_BIN}'")
+endif()

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+namespace brevane {
+
+/// The home directory of the user that runs the program, as the user database says; $HOME is not
+/// asked. "/" where the database does not know the user. Any thread.
+[[nodiscard]] std::string homeDirectory();
+
+} // namespace brevane

@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Announcement.h"
+#include "CommandRunner.h"
+#include "Configuration.h"
+#include "MainQueue.h"
+#include "ManagedServers.h"
+#include "Preferences.h"
+#include "Published.h"
+#include "SerialQueue.h"
+#include "ServeEntry.h"
+#include "ServeMode.h"
+#include "SourceType.h"
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace brevane {
+
+/// The one model object: it runs every tailscale command, publishes what the commands say and
+/// performs the changes that the user asks for. All members are for the main thread; commands run
+/// on a serial background queue, one at a time, in the order in which they were asked for.
+class TailscaleService : public std::enable_shared_from_this<TailscaleService> {
+public:
+    /// Called once on the main thread: whether the command's exit status was 0, and its output.
+    /// Never called if the service has gone by the time its turn comes.
+    using Completion = std::function<void(bool success, const std::string& output)>;
+
+    /// Everything that the service uses but does not own outlives it. Loads the record of managed
+    /// servers; runs no command and starts no server.
+    [[nodiscard]] static std::shared_ptr<TailscaleService> create(Configuration configuration,
+                                                                  MainQueue& mainQueue,
+                                                                  Preferences& preferences,
+                                                                  ServerPool& pool);
+    /// Stops every file server. May run on the background queue's own thread, where a task can hold
+    /// the last reference.
+    ~TailscaleService();
+
+    TailscaleService(const TailscaleService&) = delete;
+    TailscaleService& operator=(const TailscaleService&) = delete;
+
+    Published<std::string> dnsName;     ///< full DNS name of this machine, without trailing dot
+    Published<std::string> tailscaleIP; ///< first tailnet address of this machine
+    Published<bool> isConnected;        ///< the daemon is running
+    Published<std::string> hostname;    ///< short host name of this machine
+    Published<std::vector<ServeEntry>> entries; ///< every share, serves before funnels
+    Published<bool> isLoading;          ///< a refresh or an add is under way
+    Published<std::optional<std::string>> lastError;
+    Published<std::optional<std::string>> lastOutput; ///< of the last add
+    Published<ManagedServers::InfoMap> managedServerInfo;
+
+    /// Announces before any of the properties above changes.
+    Announcement objectWillChange;
+
+    /// Reads the daemon's state and shares anew. Returns at once; two calls are two full cycles.
+    void refresh();
+
+    /// Creates a share, then refreshes. A file or folder gets a file server of its own, which is
+    /// kept and recorded only if the share was made. A failure is published as `lastError`.
+    void add(ServeMode mode, SourceType sourceType, const std::string& source,
+             const std::string& urlPath, bool background, Completion completion);
+
+    /// Stops every share on the entry's port, then refreshes.
+    void stopEntry(const ServeEntry& entry, Completion completion);
+
+    /// Stops all serves, then refreshes; on success every file server is stopped and forgotten.
+    void resetServes(Completion completion);
+
+    /// The same with all funnels. Every file server goes, those behind serves included.
+    void resetFunnels(Completion completion);
+
+    /// Stops everything, whatever the commands say, then refreshes.
+    void resetAll(std::function<void()> completion);
+
+    /// Ends the command that runs and every later one, for quitting. Any thread.
+    void interruptCommands();
+
+private:
+    TailscaleService(Configuration configuration, MainQueue& mainQueue, Preferences& preferences,
+                     ServerPool& pool);
+    void parseStatus(const std::string& text);
+    void parseServeConfig(const std::string& text);
+    void reset(std::string_view subcommand, Completion completion);
+
+    std::string tailscaleBin;
+    MainQueue& mainQueue;
+    ServerPool& pool;
+    std::array<Subscription, 9> forwarding;
+    std::shared_ptr<CommandRunner> runner;
+    std::unique_ptr<ManagedServers> managedServers;
+    SerialQueue queue;
+};
+
+} // namespace brevane
