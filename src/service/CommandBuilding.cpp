@@ -1,2 +1,53 @@
 // SPDX-License-Identifier: MIT
 #include "CommandBuilding.h"
+
+#include "ShellQuote.h"
+#include "Text.h"
+
+namespace brevane {
+
+namespace {
+
+// Everything before the target. Only the root needs no mount path; the path is not normalised.
+std::string commandHead(std::string_view tailscaleBin, ServeMode mode, std::string_view urlPath,
+                        bool background) {
+    std::string line(tailscaleBin);
+    line += mode == ServeMode::funnel ? " funnel" : " serve";
+    if (background) line += " --bg";
+    if (!urlPath.empty() && urlPath != "/") line.append(" --set-path ").append(urlPath);
+    line += " --yes";
+    return line;
+}
+
+} // namespace
+
+std::string buildAddCommand(std::string_view tailscaleBin, ServeMode mode, SourceType sourceType,
+                            std::string_view source, std::string_view urlPath, bool background) {
+    std::string line = commandHead(tailscaleBin, mode, urlPath, background);
+    const std::string target(trimmedOfWhitespace(source));
+    switch (sourceType) {
+    case SourceType::port:
+        line += " " + target;
+        break;
+    case SourceType::httpsInsecure:
+        line += " https+insecure://localhost:" + target;
+        break;
+    case SourceType::text:
+        line += " text:" + shellQuote(target);
+        break;
+    case SourceType::tcpForward:
+        line += " --tcp=" + target + " localhost:" + target;
+        break;
+    case SourceType::file:
+    case SourceType::directory:
+        break; // shared through the port of a file server
+    }
+    return line;
+}
+
+std::string buildPortServeCommand(std::string_view tailscaleBin, ServeMode mode, std::int64_t port,
+                                  std::string_view urlPath, bool background) {
+    return commandHead(tailscaleBin, mode, urlPath, background) + " " + std::to_string(port);
+}
+
+} // namespace brevane

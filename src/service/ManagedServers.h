@@ -23,19 +23,20 @@ struct ManagedServerInfo {
 };
 
 /// The file servers behind file and folder shares, and the record of them that survives a restart.
-/// Main thread only.
+/// Main thread only, but for the destructor and `stop`.
 class ManagedServers {
 public:
     using InfoMap = std::map<std::int64_t, ManagedServerInfo>; ///< by local port
 
     static constexpr const char* managedServersKey = "TailscaleManagedServers";
 
-    ManagedServers(Preferences& preferences, ServerPool& pool, Published<InfoMap>& managedServerInfo);
+    ManagedServers(Preferences& preferences, ServerPool& pool,
+                   Published<InfoMap>& managedServerInfo);
     /// Stops every server and leaves the record as it is, so that they come back at the next start.
     ~ManagedServers();
 
     /// Takes in a server whose share has just been made, and records it.
-    void registerServer(std::unique_ptr<FileHTTPServer> server, ManagedServerInfo info);
+    void registerServer(std::shared_ptr<FileHTTPServer> server, ManagedServerInfo info);
 
     /// Stops the server on this port, if there is one, and forgets the port; the record is written
     /// whether or not there was anything to forget.
@@ -62,10 +63,14 @@ public:
     [[nodiscard]] static std::string rootFolder(const ManagedServerInfo& info);
 
 private:
+    void forgetStalePorts(const std::vector<ServeEntry>& entries);
+    void startMissingServers();
+    void stopAndRemove(std::int64_t port);
+
     Preferences& preferences;
     ServerPool& pool;
     Published<InfoMap>& managedServerInfo;
-    std::map<std::int64_t, std::unique_ptr<FileHTTPServer>> httpServers;
+    std::map<std::int64_t, std::shared_ptr<FileHTTPServer>> httpServers;
 };
 
 } // namespace brevane

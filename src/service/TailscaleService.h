@@ -18,7 +18,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace brevane {
@@ -32,12 +31,12 @@ public:
     /// Never called if the service has gone by the time its turn comes.
     using Completion = std::function<void(bool success, const std::string& output)>;
 
-    /// Everything that the service uses but does not own outlives it. Loads the record of managed
-    /// servers; runs no command and starts no server.
-    [[nodiscard]] static std::shared_ptr<TailscaleService> create(Configuration configuration,
-                                                                  MainQueue& mainQueue,
-                                                                  Preferences& preferences,
-                                                                  ServerPool& pool);
+    /// What is passed by reference outlives the service; the queue is to be destroyed before the
+    /// others, since its running task keeps the service alive. Loads the record of managed servers;
+    /// runs no command and starts no server.
+    [[nodiscard]] static std::shared_ptr<TailscaleService>
+    create(Configuration configuration, MainQueue& mainQueue, SerialQueue& queue,
+           Preferences& preferences, ServerPool& pool);
     /// Stops every file server. May run on the background queue's own thread, where a task can hold
     /// the last reference.
     ~TailscaleService();
@@ -47,10 +46,10 @@ public:
 
     Published<std::string> dnsName;     ///< full DNS name of this machine, without trailing dot
     Published<std::string> tailscaleIP; ///< first tailnet address of this machine
-    Published<bool> isConnected;        ///< the daemon is running
+    Published<bool> isConnected;        ///< the daemon says "Running"
     Published<std::string> hostname;    ///< short host name of this machine
     Published<std::vector<ServeEntry>> entries; ///< every share, serves before funnels
-    Published<bool> isLoading;          ///< a refresh or an add is under way
+    Published<bool> isLoading;                  ///< a refresh or an add is under way
     Published<std::optional<std::string>> lastError;
     Published<std::optional<std::string>> lastOutput; ///< of the last add
     Published<ManagedServers::InfoMap> managedServerInfo;
@@ -82,19 +81,24 @@ public:
     void interruptCommands();
 
 private:
-    TailscaleService(Configuration configuration, MainQueue& mainQueue, Preferences& preferences,
-                     ServerPool& pool);
+    TailscaleService(Configuration configuration, MainQueue& mainQueue, SerialQueue& queue,
+                     Preferences& preferences, ServerPool& pool);
     void parseStatus(const std::string& text);
     void parseServeConfig(const std::string& text);
-    void reset(std::string_view subcommand, Completion completion);
+    void onQueue(std::function<void(const std::shared_ptr<TailscaleService>&)> work);
+    CommandRunner::Result addThroughServer(ServeMode mode, SourceType sourceType,
+                                           const std::string& source, const std::string& urlPath,
+                                           bool background);
+    void finishAdd(const CommandRunner::Result& result, const Completion& completion);
+    void reset(const std::string& subcommand, Completion completion);
 
     std::string tailscaleBin;
     MainQueue& mainQueue;
+    SerialQueue& queue;
     ServerPool& pool;
     std::array<Subscription, 9> forwarding;
-    std::shared_ptr<CommandRunner> runner;
-    std::unique_ptr<ManagedServers> managedServers;
-    SerialQueue queue;
+    CommandRunner runner;
+    ManagedServers managedServers;
 };
 
 } // namespace brevane
