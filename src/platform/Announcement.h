@@ -3,33 +3,37 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace brevane {
 
 /// Keeps one observer subscribed for as long as it lives. May outlive what it observes.
 class [[nodiscard]] Subscription {
 public:
+    /// Observes nothing.
     Subscription() = default;
+    ~Subscription() = default;
     Subscription(Subscription&&) noexcept = default;
-    Subscription& operator=(Subscription&&) noexcept;
-    ~Subscription();
+    Subscription& operator=(Subscription&&) noexcept = default;
 
     /// Ends the subscription now. Once this returns on the announcing thread the observer is not
     /// called again, also in the middle of an announcement.
-    void cancel();
+    void cancel() { observer.reset(); }
 
 private:
     friend class Announcement;
-    explicit Subscription(std::shared_ptr<std::function<void()>> heldObserver);
-    std::shared_ptr<std::function<void()>> observer;
+    using Observer = std::function<void()>;
+    explicit Subscription(std::shared_ptr<const Observer> held) : observer(std::move(held)) {}
+    std::shared_ptr<const Observer> observer;
 };
 
 /// Something that observers can be told of. One thread only. While it announces, observers may
 /// subscribe (heard from the next announcement on), unsubscribe and announce again.
 class Announcement {
 public:
-    Announcement();
-    ~Announcement();
+    Announcement() = default;
+    ~Announcement() = default;
     Announcement(const Announcement&) = delete;
     Announcement& operator=(const Announcement&) = delete;
 
@@ -40,8 +44,8 @@ public:
     void announce();
 
 private:
-    struct Observers;
-    std::unique_ptr<Observers> observers;
+    /// Owned by their subscriptions.
+    std::vector<std::weak_ptr<const Subscription::Observer>> observers;
 };
 
 } // namespace brevane

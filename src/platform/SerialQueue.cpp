@@ -1,2 +1,61 @@
 // SPDX-License-Identifier: MIT
 #include "SerialQueue.h"
+
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+
+#include <pthread.h>
+#ifdef __APPLE__
+#include <pthread/qos.h>
+#endif
+
+#include <thread>
+#include <utility>
+
+namespace brevane {
+
+namespace {
+
+void nameThisThread(const std::string& label) {
+#ifdef __APPLE__
+    pthread_setname_np(label.c_str());
+    // What runs here is what the user waits for.
+    pthread_set_qos_class_self_np(QOS_CLASS_USER_INITIATED, 0);
+#else
+    pthread_setname_np(pthread_self(), label.substr(0, 15).c_str());
+#endif
+}
+
+} // namespace
+
+// The thread holds it too, so that it stays whole when the queue is destroyed from one of its
+// tasks.
+struct SerialQueue::Worker {
+    boost::asio::io_context context{1};
+    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> idle{
+        context.get_executor()};
+    std::thread thread;
+};
+
+SerialQueue::SerialQueue(const std::string& label) : worker(std::make_shared<Worker>()) {
+    worker->thread = std::thread([held = worker, label] {
+        nameThisThread(label);
+        held->context.run();
+    });
+}
+
+SerialQueue::~SerialQueue() {
+    worker->context.stop();
+    if (worker->thread.get_id() == std::this_thread::get_id()) {
+        worker->thread.detach();
+    } else {
+        worker->thread.join();
+    }
+}
+
+void SerialQueue::post(std::function<void()> task) {
+    boost::asio::post(worker->context, std::move(task));
+}
+
+} // namespace brevane

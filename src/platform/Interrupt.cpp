@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+#include "Interrupt.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace brevane {
+
+Interrupt::Interrupt() {
+    auto opened = Pipe::open();
+    if (!opened) throw std::system_error(opened.error(), "Interrupt");
+    pipe = std::move(*opened);
+    // Raised very often it must not block on a full pipe, which is readable anyway.
+    fcntl(pipe.writeEnd.get(), F_SETFL, O_NONBLOCK);
+}
+
+void Interrupt::raise() {
+    while (write(pipe.writeEnd.get(), "", 1) == -1 && errno == EINTR) {
+    }
+}
+
+} // namespace brevane

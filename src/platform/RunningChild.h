@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ChildProcess.h"
+#include "Descriptor.h"
+#include "Interrupt.h"
+
+#include <sys/types.h>
+
+#include <expected>
+#include <system_error>
+
+namespace brevane {
+
+/// A child process that has been launched as the leader of a process group, and is not reaped yet.
+class RunningChild {
+public:
+    /// Takes over the child and the read ends of its outputs.
+    RunningChild(pid_t process, Descriptor standardOutput, Descriptor standardError);
+
+    /// Sees the child to its end as ChildProcess::run() promises. Once only. The error where the
+    /// operating system does not tell of the child's end: the child is killed then.
+    [[nodiscard]] std::expected<ChildProcess::Outcome, std::error_code>
+    finish(const Interrupt& interrupt);
+
+private:
+    void drainUntilExit(const Interrupt& interrupt, Descriptor exit);
+    void signalGroup(int signal) const;
+
+    pid_t process;
+    Descriptor standardOutput;
+    Descriptor standardError;
+    ChildProcess::Outcome outcome{};
+};
+
+} // namespace brevane

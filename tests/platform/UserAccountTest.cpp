@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "UserAccount.h"
+
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <string>
+
+namespace brevane {
+namespace {
+
+TEST(HomeDirectory, ComesFromTheUserDatabase) {
+    EXPECT_EQ(homeDirectory(), getpwuid(getuid())->pw_dir);
+}
+
+TEST(HomeDirectory, DoesNotAskTheEnvironment) {
+    const char* const set = getenv("HOME");
+    const std::string before = set != nullptr ? set : "";
+    setenv("HOME", "/nowhere", 1);
+    EXPECT_EQ(homeDirectory(), getpwuid(getuid())->pw_dir);
+    setenv("HOME", before.c_str(), 1);
+}
+
+} // namespace
+} // namespace brevane
