@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "ServiceTest.h"
+
+#include <signal.h>
+
+#include <string>
+#include <thread>
+
+namespace brevane::test {
+namespace {
+
+class Shutdown : public ServiceTest {
+protected:
+    // Waits until the script has noted its process number, and gives it.
+    pid_t waitForPid() {
+        const auto file = folder / "tailscale.pid";
+        while (readFile(file).empty() || readFile(file).back() != '\n')
+            std::this_thread::yield();
+        return std::stoi(readFile(file));
+    }
+};
+
+TEST_F(Shutdown, AnInterruptEndsAHangingCommandAndTheQueueCanBeJoined) {
+    changesDo("echo $$ > \"$0.pid\"; sleep 1000");
+    start();
+    service->add(ServeMode::serve, SourceType::port, "3000", "/", false, completion());
+    const pid_t pid = waitForPid();
+    service->interruptCommands();
+    service.reset();
+    queue.reset();
+    EXPECT_EQ(::kill(pid, 0), -1);
+}
+
+TEST_F(Shutdown, ACommandThatIgnoresTheRequestToEndIsKilled) {
+    changesDo("trap '' TERM; echo $$ > \"$0.pid\"; while :; do sleep 1000; done");
+    start();
+    service->add(ServeMode::serve, SourceType::port, "3000", "/", false, completion());
+    const pid_t pid = waitForPid();
+    service->interruptCommands();
+    service.reset();
+    queue.reset();
+    EXPECT_EQ(::kill(pid, 0), -1);
+}
+
+TEST_F(Shutdown, TheLastReferenceMayGoOnTheQueuesOwnThread) {
+    changesDo("echo $$ > \"$0.pid\"; sleep 1000");
+    start();
+    service->resetServes(completion());
+    waitForPid();
+    service->interruptCommands();
+    const std::weak_ptr<TailscaleService> watched = service;
+    service.reset(); // the running task holds it now
+    queue.reset();
+    EXPECT_FALSE(outcome.has_value());
+    while (!watched.expired()) // what the task left behind on the main queue
+        mainQueue.runPending();
+}
+
+TEST_F(Shutdown, OperationsAfterAnInterruptFailAtOnce) {
+    changesDo("sleep 1000");
+    start();
+    service->interruptCommands();
+    EXPECT_FALSE(add(SourceType::port, "3000").success);
+}
+
+} // namespace
+} // namespace brevane::test

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "MainQueue.h"
+
+#include <boost/asio/executor_work_guard.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
+
+#include <chrono>
+#include <functional>
+#include <utility>
+
+namespace brevane::test {
+
+/// A main queue that the test runs by hand, task by task.
+class PumpedMainQueue final : public MainQueue {
+public:
+    void post(std::function<void()> task) override { boost::asio::post(context, std::move(task)); }
+
+    /// Waits for the next task and runs it. False if none comes, which only a hanging test sees.
+    bool runOne() { return context.run_one_for(std::chrono::seconds(60)) == 1; }
+
+    /// Runs the tasks that are waiting now.
+    void runPending() { context.poll(); }
+
+    /// Runs tasks until the condition holds. False if it never does.
+    bool runUntil(const std::function<bool()>& condition) {
+        while (!condition())
+            if (!runOne()) return false;
+        return true;
+    }
+
+private:
+    boost::asio::io_context context;
+    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{
+        context.get_executor()};
+};
+
+} // namespace brevane::test
