@@ -1,0 +1,70 @@
+# shellcheck shell=bash
+# What the commands of script/ have in common. Sourced by each, never run.
+
+set -euo pipefail
+
+script_name=script/$(basename "$0")
+[[ $0 == *.ci/* ]] && script_name=.ci/$(basename "$0")
+project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$project_root"
+
+# Qt and Python want to know that text is UTF-8; a fresh machine has no locale set.
+[[ $(locale charmap 2>/dev/null) == UTF-8 ]] || export LC_ALL=C.UTF-8
+
+# say WORDS: one line about what happens now, on standard error.
+say() { printf '%s %s\n' '==>' "$*" >&2; }
+
+# fail WORDS: tells why the command cannot go on, and ends it.
+fail() {
+    printf '%s: %s\n' "$script_name" "$*" >&2
+    exit 1
+}
+
+# show_help: prints the comment at the head of the running script.
+show_help() { awk 'NR > 1 && !/^#/ { exit } NR > 1 { sub(/^# ?/, ""); print }' "$project_root/$script_name"; }
+
+# handle_help ARGUMENTS: answers --help and -h wherever they stand.
+handle_help() {
+    local argument
+    for argument in "$@"; do
+        case $argument in -h | --help) show_help && exit 0 ;; esac
+    done
+}
+
+# unknown_argument WORD: what every command says of an argument that it does not know.
+unknown_argument() { fail "unknown argument '$1'; $script_name --help tells what there is"; }
+
+# bootstrap NEED...: installs what is missing for these needs.
+bootstrap() { "$project_root/script/bootstrap" "$@"; }
+
+# required_go: the least version of Go that the tailnet builds with.
+required_go() { awk '$1 == "go" { print $2 }' "$project_root/tools/tailnet/go.mod"; }
+
+# use_go: puts a Go that is new enough on the PATH, without letting it fetch another one.
+use_go() {
+    local own=$project_root/build/tools/go
+    export GOTOOLCHAIN=local GOFLAGS="-buildvcs=false -modcacherw ${GOFLAGS:-}"
+    go_is_new_enough go && return
+    go_is_new_enough "$own/bin/go" || return 1
+    # What the project's own Go fetches and compiles stays in the project's folder as well.
+    export PATH=$own/bin:$PATH GOROOT=$own GOPATH=$project_root/build/go GOCACHE=$project_root/build/go/cache
+}
+
+# go_is_new_enough GO: whether this executable is there and at least required_go.
+go_is_new_enough() {
+    local version
+    version=$(GOTOOLCHAIN=local "$1" env GOVERSION 2>/dev/null) || return 1
+    printf '%s\n%s\n' "$(required_go)" "${version#go}" | sort --version-sort --check=quiet
+}
+
+# build PRESET [--target NAME]...: configures and builds one preset; a second call takes about a second.
+build() {
+    local preset=$1 log=build/$1-configure.log
+    shift
+    mkdir -p build
+    cmake --preset "$preset" >"$log" 2>&1 || {
+        cat "$log" >&2
+        fail "configuring the preset '$preset' failed, see above"
+    }
+    cmake --build --preset "$preset" "$@" >&2 || fail "building the preset '$preset' failed, see above"
+}
