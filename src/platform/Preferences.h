@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -20,8 +21,12 @@ public:
 
     /// Stores a dictionary under `key`, replacing what was there. Whatever happens in the middle,
     /// the store afterwards holds either the old dictionary or the new one. The error of the
-    /// operating system where it could not be written.
+    /// operating system where it could not be written; std::errc::illegal_byte_sequence where a
+    /// text is not UTF-8.
     virtual std::error_code set(const std::string& key, const Dictionary& value) = 0;
 };
+
+/// The store of the user that runs the program: the user defaults on macOS, a file elsewhere.
+[[nodiscard]] std::unique_ptr<Preferences> makeUserPreferences();
 
 } // namespace brevane
