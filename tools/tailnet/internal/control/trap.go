@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+
+package control
+
+import (
+	"net/http"
+	"net/http/httptest"
+	"slices"
+	"sync"
+)
+
+// Trap is an HTTP proxy that refuses everything and remembers what it was
+// asked for. Nodes have it as their proxy, so that a request to the outside
+// world shows up here instead of leaving the machine.
+type Trap struct {
+	URL string
+
+	close  func()
+	mu     sync.Mutex
+	caught []string
+}
+
+func startTrap() *Trap {
+	t := &Trap{}
+	hs := httptest.NewServer(t)
+	t.URL, t.close = hs.URL, hs.Close
+	return t
+}
+
+// ServeHTTP refuses a request.
+func (t *Trap) ServeHTTP(w http.ResponseWriter, r *http.Request) {
+	t.mu.Lock()
+	t.caught = append(t.caught, r.Method+" "+r.RequestURI)
+	t.mu.Unlock()
+	http.Error(w, "no traffic leaves this machine", http.StatusForbidden)
+}
+
+// Caught lists the requests refused so far.
+func (t *Trap) Caught() []string {
+	t.mu.Lock()
+	defer t.mu.Unlock()
+	return slices.Clone(t.caught)
+}

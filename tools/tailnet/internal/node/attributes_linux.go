@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+
+package node
+
+import "syscall"
+
+func childAttributes() *syscall.SysProcAttr {
+	return &syscall.SysProcAttr{Setpgid: true, Pdeathsig: syscall.SIGKILL}
+}

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+
+package node
+
+import (
+	"os"
+	"path/filepath"
+	"strings"
+)
+
+// environment is the daemon's: ours, less what could change its behaviour.
+func environment(o Options) []string {
+	var env []string
+	for _, entry := range os.Environ() {
+		name, _, _ := strings.Cut(entry, "=")
+		if !strings.HasPrefix(name, "TS_") && !strings.HasSuffix(strings.ToUpper(name), "_PROXY") {
+			env = append(env, entry)
+		}
+	}
+	return append(env,
+		"TS_NO_LOGS_NO_SUPPORT=true",
+		"TS_LOGS_DIR="+o.Dir,
+		"TS_PANIC_IF_HIT_MAIN_CONTROL=1",
+		"TS_DISABLE_PORTMAPPER=1",
+		"TS_NETCHECK_GENERATE_204_URL="+o.Login+"/generate_204",
+		// With nothing but loopback the daemon would take the network for down.
+		"TS_ASSUME_NETWORK_UP_FOR_TEST=1",
+		"HTTP_PROXY="+o.Trap,
+		"HTTPS_PROXY="+o.Trap,
+		"NO_PROXY=127.0.0.1,localhost",
+		// The daemon trusts stored certificates of an unknown authority only
+		// where its ACME directory is not Let's Encrypt's,
+		"TS_DEBUG_ACME_DIRECTORY_URL="+o.Trap+"/acme-directory",
+		// and so it never asks that directory for new ones.
+		"TS_CERT_SHARE_MODE=ro",
+	)
+}
+
+// writeWrapper writes a script that stands for the tailscale command of one
+// node. It replaces itself, so a signal to it is one to the command.
+func writeWrapper(path, command, socket string) error {
+	command, err := filepath.Abs(command)
+	if err != nil {
+		return err
+	}
+	script := "#!/bin/sh\nexec " + quote(command) + " --socket=" + quote(socket) + " \"$@\"\n"
+	return os.WriteFile(path, []byte(script), 0o755)
+}
+
+func quote(text string) string { return "'" + strings.ReplaceAll(text, "'", `'\''`) + "'" }
