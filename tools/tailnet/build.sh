@@ -4,7 +4,7 @@ set -eu
 
 usage() {
     cat <<'TEXT'
-Usage: build.sh --output DIR [--version VERSION] [--go COMMAND]
+Usage: build.sh --output DIR [--version VERSION]
 
 Builds tailnet, tailscale and tailscaled into DIR, and does nothing where DIR
 has them already. VERSION is that of tailscale and tailscaled, by default the
@@ -19,17 +19,13 @@ fail() {
 }
 
 here=$(cd "$(dirname "$0")" && pwd)
-output='' version='' go=go
+output='' version=''
 while [ $# -gt 0 ]; do
     case $1 in
     -h | --help) usage; exit 0 ;;
-    --output | --version | --go)
+    --output | --version)
         [ $# -ge 2 ] || status=2 fail "$1 needs a value"
-        case $1 in
-        --output) output=$2 ;;
-        --version) version=$2 ;;
-        --go) go=$2 ;;
-        esac
+        if [ "$1" = --output ]; then output=$2; else version=$2; fi
         shift 2 ;;
     *) status=2 fail "unknown option $1; see --help" ;;
     esac
@@ -39,7 +35,7 @@ done
 
 mkdir -p "$output"
 output=$(cd "$output" && pwd)
-command -v "$go" >/dev/null || fail "Go is missing; $(sed -n 's/^go /version /p' "$here/go.mod") or newer is needed"
+command -v go >/dev/null || fail "Go is missing; $(sed -n 's/^go /version /p' "$here/go.mod") or newer is needed"
 
 # Parts of Tailscale that sharing on loopback never touches; they are a quarter of its packages.
 omit=
@@ -55,7 +51,7 @@ if [ "$(cat "$stamp" 2>/dev/null)" != "$version" ] || [ ! -x "$output/tailscale"
     echo "Building tailscale and tailscaled $version (about two minutes the first time) ..." >&2
     rm -f "$stamp"
     prefix=tailscale.com/version
-    GOBIN=$output GOFLAGS= "$go" install -trimpath -tags "$omit" \
+    GOBIN=$output go install -trimpath -tags "$omit" \
         -ldflags "-s -w -X $prefix.shortStamp=$version -X $prefix.longStamp=$version" \
         "tailscale.com/cmd/tailscale@v$version" "tailscale.com/cmd/tailscaled@v$version"
     echo "$version" >"$stamp"
@@ -64,6 +60,6 @@ fi
 if [ ! -x "$output/tailnet" ] || [ -n "$(find "$here" -newer "$output/tailnet" ! -name '*_test.go' -type f -print -quit)" ]; then
     echo "Building tailnet (about one minute the first time) ..." >&2
     # Where nothing but a time has changed, Go leaves the program as it is.
-    (cd "$here" && GOFLAGS= "$go" build -trimpath -ldflags '-s -w' -o "$output/tailnet" .)
+    (cd "$here" && go build -trimpath -ldflags '-s -w' -o "$output/tailnet" .)
     touch "$output/tailnet"
 fi
