@@ -59,7 +59,7 @@ std::vector<std::string> throughZsh(const std::vector<std::string>& texts) {
 TEST(ShellQuote, WhatZshHandsOnOfAQuotedTextIsTheText) {
     // Every text holds one of the five characters, and so is quoted as a whole.
     const std::string alphabet = " ()&'$`\";|<>*?\\\t\n!#~={}[]^%aé€😀";
-    rc::check([&alphabet] {
+    EXPECT_TRUE(rc::check([&alphabet] {
         const auto texts = *rc::gen::container<std::vector<std::string>>(
             20, rc::gen::map(
                     rc::gen::pair(rc::gen::container<std::string>(rc::gen::elementOf(alphabet)),
@@ -68,7 +68,7 @@ TEST(ShellQuote, WhatZshHandsOnOfAQuotedTextIsTheText) {
                         return drawn.first + drawn.second;
                     }));
         RC_ASSERT(throughZsh(texts) == texts);
-    });
+    }));
 }
 
 } // namespace
