@@ -34,7 +34,7 @@ struct WebServerConfigJSON {
 
 /// The configuration that one foreground `tailscale serve` holds.
 struct ServeConfigFgJSON {
-    std::optional<JsonMap<TCPPortHandlerJSON>> TCP; ///< by port
+    std::optional<JsonMap<TCPPortHandlerJSON>> TCP;  ///< by port
     std::optional<JsonMap<WebServerConfigJSON>> Web; ///< by host:port
     std::optional<JsonMap<bool>> AllowFunnel;        ///< by host:port
 };

@@ -22,9 +22,9 @@ struct ServeEntry {
     };
 
     boost::uuids::uuid id;
-    bool isFunnel;             ///< the host and port are published to the public internet
-    std::string hostPort;      ///< the machine's full DNS name, ":" and the port
-    std::string urlPath;       ///< mount path, beginning with "/"; "/" for a TCP forward
+    bool isFunnel;        ///< the host and port are published to the public internet
+    std::string hostPort; ///< the machine's full DNS name, ":" and the port
+    std::string urlPath;  ///< mount path, beginning with "/"; "/" for a TCP forward
     HandlerType handlerType;
     std::string handlerDetail; ///< the target: URL, path, text or address; may be empty
     bool isBackground;         ///< from the daemon's persistent configuration

@@ -18,9 +18,9 @@ enum class SourceType {
 };
 
 /// Every source type, in the order in which a picker offers them.
-inline constexpr std::array allSourceTypes{SourceType::port,          SourceType::file,
-                                           SourceType::directory,     SourceType::httpsInsecure,
-                                           SourceType::text,          SourceType::tcpForward};
+inline constexpr std::array allSourceTypes{SourceType::port,      SourceType::file,
+                                           SourceType::directory, SourceType::httpsInsecure,
+                                           SourceType::text,      SourceType::tcpForward};
 
 template <>
 struct RawValues<SourceType> {
@@ -35,6 +35,8 @@ struct RawValues<SourceType> {
 };
 
 /// Identity of a source type in a list: its raw value.
-[[nodiscard]] constexpr std::string_view id(SourceType type) { return rawValue(type); }
+[[nodiscard]] constexpr std::string_view id(SourceType type) {
+    return rawValue(type);
+}
 
 } // namespace brevane
