@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class QAction;
+class QPainter;
+class QStyleOption;
+class QStyleOptionMenuItem;
+class QWidget;
+
+namespace brevane {
+
+/// Marks a menu item as one that destroys something, so that it is drawn as a warning.
+void setDestructive(QAction& action);
+
+/// One title in the menu bar.
+void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item);
+
+/// Ground and edge of an open menu.
+void drawMenuGround(QPainter& painter, const QStyleOption& option);
+
+/// One item of an open menu, or a separator.
+void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWidget* menu);
+
+} // namespace brevane

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QString>
+
+#include <string_view>
+
+namespace brevane {
+
+/// UTF-8 as Qt's text.
+[[nodiscard]] inline QString toQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// The text with each line break or tab shown as a blank, for where there is one line only.
+[[nodiscard]] QString onOneLine(QString text);
+
+/// A tooltip that shows the text as it is: Qt would take one that looks like HTML for HTML.
+[[nodiscard]] QString plainToolTip(const QString& text);
+
+} // namespace brevane

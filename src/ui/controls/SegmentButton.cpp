@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: MIT
+#include "SegmentButton.h"
+
+#include "Painting.h"
+#include "Theme.h"
+
+#include <QPainter>
+
+namespace brevane {
+
+SegmentButton::SegmentButton(const QString& label, QWidget* parent) : QAbstractButton(parent) {
+    setText(label);
+    setCheckable(true);
+    setAutoExclusive(true);
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setFont(theme().font(TextStyle::rowTitle));
+    connect(&theme(), &Theme::changed, this,
+            [this] { setFont(theme().font(TextStyle::rowTitle)); });
+}
+
+QSize SegmentButton::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(text()) + 16, fontMetrics().height() + 6};
+}
+
+void SegmentButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(theme().color(isChecked() ? &Colors::text : &Colors::secondary));
+    painter.drawText(rect(), Qt::AlignCenter, text());
+    if (hasFocus()) drawFocusRing(painter, rect(), Theme::cornerRadius - 1);
+}
+
+} // namespace brevane

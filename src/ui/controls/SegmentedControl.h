@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QButtonGroup>
+#include <QVariantAnimation>
+#include <QWidget>
+
+namespace brevane {
+
+/// A row of choices, exactly one of which is taken. Each is a radio button to the keyboard and to
+/// screen readers.
+class SegmentedControl : public QWidget {
+    Q_OBJECT
+public:
+    explicit SegmentedControl(const QStringList& labels, QWidget* parent = nullptr);
+
+    void setCurrentIndex(int index);
+    [[nodiscard]] int currentIndex() const { return buttons.checkedId(); }
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+Q_SIGNALS:
+    void currentIndexChanged(int index);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void slideTo(int index);
+
+    QButtonGroup buttons;
+    QVariantAnimation slide;
+};
+
+} // namespace brevane

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: MIT
+#include "Style.h"
+
+#include "FieldDrawing.h"
+#include "MenuDrawing.h"
+#include "Painting.h"
+#include "Theme.h"
+
+#include <QAbstractButton>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyleOption>
+
+#include <algorithm>
+
+namespace brevane {
+
+Style::Style() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+void Style::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    // The ground behind a scroll bar is that of what it scrolls.
+    if (qobject_cast<QScrollBar*>(widget)) widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
+}
+
+void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                          const QWidget* widget) const {
+    switch (element) {
+    case PE_PanelLineEdit:
+        return drawTextField(*painter, *option);
+    case PE_IndicatorCheckBox:
+        return drawCheckMark(*painter, *option);
+    case PE_PanelMenu:
+        return drawMenuGround(*painter, *option);
+    case PE_FrameMenu:
+        return;
+    case PE_FrameFocusRect:
+        if (qobject_cast<const QAbstractButton*>(widget))
+            drawFocusRing(*painter, option->rect, Theme::cornerRadius);
+        return;
+    default:
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void Style::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                        const QWidget* widget) const {
+    switch (element) {
+    case CE_Splitter:
+        painter->fillRect(option->rect, theme().color(&Colors::line));
+        return;
+    case CE_MenuBarEmptyArea:
+        painter->fillRect(option->rect, theme().color(&Colors::bar));
+        return;
+    case CE_MenuBarItem:
+        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
+            drawMenuTitle(*painter, *item);
+        return;
+    case CE_MenuItem:
+        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
+            drawMenuItem(*painter, *item, widget);
+        return;
+    case CE_ComboBoxLabel:
+        if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option))
+            drawPopUpLabel(*painter, *box,
+                           proxy()->subControlRect(CC_ComboBox, box, SC_ComboBoxEditField, widget));
+        return;
+    default:
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+}
+
+void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                               QPainter* painter, const QWidget* widget) const {
+    if (control == CC_ComboBox) return drawPopUpButton(*painter, *option);
+    if (control == CC_ScrollBar)
+        return drawScrollBar(
+            *painter, *option,
+            proxy()->subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget));
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+int Style::pixelMetric(PixelMetric metric, const QStyleOption* option,
+                       const QWidget* widget) const {
+    switch (metric) {
+    case PM_IndicatorWidth:
+    case PM_IndicatorHeight:
+        return theme().scaled(15);
+    case PM_CheckBoxLabelSpacing:
+        return Theme::near;
+    case PM_SplitterWidth:
+        return 1;
+    case PM_ScrollBarExtent:
+        return 10;
+    case PM_MenuVMargin:
+        return 5;
+    case PM_ButtonShiftHorizontal:
+    case PM_ButtonShiftVertical:
+        return 0;
+    default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                     QStyleHintReturn* result) const {
+    switch (hint) {
+    case SH_ComboBox_Popup:
+        return 1;
+    case SH_EtchDisabledText:
+        return 0;
+    // A click beside the handle goes there.
+    case SH_ScrollBar_LeftClickAbsolutePosition:
+        return 1;
+    default:
+        return QProxyStyle::styleHint(hint, option, widget, result);
+    }
+}
+
+QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
+                              const QWidget* widget) const {
+    QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
+    const int lineHeight = option ? option->fontMetrics.height() : 0;
+    switch (type) {
+    case CT_LineEdit:
+    case CT_ComboBox:
+        result.setHeight(std::max(theme().scaled(28), lineHeight + 10));
+        break;
+    case CT_MenuBarItem:
+        result.setHeight(std::max(26, lineHeight + 8));
+        break;
+    case CT_MenuItem:
+        if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
+            const bool separator = item->menuItemType == QStyleOptionMenuItem::Separator;
+            result = {result.width() + 20, separator ? 9 : std::max(24, lineHeight + 8)};
+        }
+        break;
+    default:
+        break;
+    }
+    return result;
+}
+
+QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                            SubControl part, const QWidget* widget) const {
+    if (control == CC_ComboBox && part == SC_ComboBoxEditField)
+        return visualRect(option->direction, option->rect, option->rect.adjusted(9, 0, -28, 0));
+    if (control == CC_ScrollBar)
+        if (const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option))
+            return scrollBarPart(*slider, part);
+    return QProxyStyle::subControlRect(control, option, part, widget);
+}
+
+} // namespace brevane

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Theme.h"
+
+#include <QWidget>
+
+namespace brevane {
+
+/// A rectangle of one of the theme's colours for other controls to lie on.
+class Surface : public QWidget {
+    Q_OBJECT
+public:
+    explicit Surface(ColorRole color, double opacity = 1, double radius = 0,
+                     QWidget* parent = nullptr);
+
+    /// The thin line between two parts of the window.
+    [[nodiscard]] static Surface* makeDivider(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    ColorRole color;
+    double opacity;
+    double radius;
+};
+
+} // namespace brevane

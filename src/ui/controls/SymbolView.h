@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Theme.h"
+
+#include <QWidget>
+
+namespace brevane {
+
+/// A symbol in one of the theme's colours, at a system font size. Says nothing to a screen reader.
+class SymbolView : public QWidget {
+    Q_OBJECT
+public:
+    explicit SymbolView(const QString& symbol, ColorRole color, int fontSize = 13,
+                        QWidget* parent = nullptr);
+
+    void setSymbol(const QString& name);
+    [[nodiscard]] const QString& symbol() const { return name; }
+    void setColor(ColorRole role);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void resizeToFont();
+
+    QString name;
+    ColorRole color;
+    int fontSize;
+};
+
+} // namespace brevane

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+#include "SystemAppearance.h"
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QStyleHints>
+#include <QtGlobal>
+
+#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusReply>
+#include <QDBusVariant>
+#endif
+
+namespace brevane {
+
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+
+SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
+    const auto* hints = QGuiApplication::styleHints();
+    dark = hints->colorScheme() == Qt::ColorScheme::Dark;
+    connect(hints, &QStyleHints::colorSchemeChanged, this,
+            [this](Qt::ColorScheme scheme) { setDark(scheme == Qt::ColorScheme::Dark); });
+}
+
+void SystemAppearance::askPortal() {}
+void SystemAppearance::portalSettingChanged(const QString&, const QString&, const QDBusVariant&) {}
+
+#else
+
+namespace {
+
+constexpr auto portal = "org.freedesktop.portal.Desktop";
+constexpr auto portalPath = "/org/freedesktop/portal/desktop";
+constexpr auto settings = "org.freedesktop.portal.Settings";
+constexpr auto appearanceGroup = "org.freedesktop.appearance";
+constexpr auto schemeKey = "color-scheme";
+// A portal that runs answers in a few milliseconds; waiting that long keeps the first frame from
+// flashing in the wrong scheme.
+constexpr int firstAnswerWithinMs = 50;
+
+} // namespace
+
+SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
+    const QPalette palette = QGuiApplication::palette();
+    dark = palette.color(QPalette::Window).lightness() <
+           palette.color(QPalette::WindowText).lightness();
+    askPortal();
+}
+
+void SystemAppearance::askPortal() {
+    auto bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) return;
+    // Connecting fails without the type being known.
+    qRegisterMetaType<QDBusVariant>();
+    bus.connect(portal, portalPath, settings, "SettingChanged", this,
+                SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
+
+    auto read = QDBusMessage::createMethodCall(portal, portalPath, settings, "Read");
+    read << appearanceGroup << schemeKey;
+    read.setAutoStartService(false);
+    const QDBusReply<QDBusVariant> answer = bus.call(read, QDBus::Block, firstAnswerWithinMs);
+    if (answer.isValid()) {
+        portalSettingChanged(appearanceGroup, schemeKey, answer.value());
+        return;
+    }
+    read.setAutoStartService(true);
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(read), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
+        const QDBusPendingReply<QDBusVariant> reply = *watcher;
+        watcher->deleteLater();
+        if (reply.isValid()) portalSettingChanged(appearanceGroup, schemeKey, reply.value());
+    });
+}
+
+void SystemAppearance::portalSettingChanged(const QString& group, const QString& key,
+                                            const QDBusVariant& value) {
+    if (group != QLatin1String(appearanceGroup) || key != QLatin1String(schemeKey)) return;
+    // "Read" wraps its answer twice, the signal once.
+    QVariant scheme = value.variant();
+    if (scheme.canConvert<QDBusVariant>()) scheme = scheme.value<QDBusVariant>().variant();
+    enum { noPreference, preferDark };
+    if (scheme.toUInt() != noPreference) setDark(scheme.toUInt() == preferDark);
+}
+
+#endif
+
+void SystemAppearance::setDark(bool isDark) {
+    if (dark == isDark) return;
+    dark = isDark;
+    Q_EMIT changed();
+}
+
+} // namespace brevane

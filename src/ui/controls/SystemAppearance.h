@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+class QDBusVariant;
+
+namespace brevane {
+
+/// Whether the user's desktop is light or dark, also when that changes. Asks Qt where it knows
+/// (6.5 and later), else the desktop portal (org.freedesktop.portal.Settings, "color-scheme"),
+/// else goes by the palette. Made before the application sets a palette of its own.
+class SystemAppearance : public QObject {
+    Q_OBJECT
+public:
+    explicit SystemAppearance(QObject* parent = nullptr);
+
+    [[nodiscard]] bool isDark() const { return dark; }
+
+Q_SIGNALS:
+    void changed();
+
+private Q_SLOTS:
+    void portalSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+
+private:
+    void setDark(bool isDark);
+    void askPortal();
+
+    bool dark = false;
+};
+
+} // namespace brevane

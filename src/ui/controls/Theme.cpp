@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: MIT
+#include "Theme.h"
+
+#include "Style.h"
+#include "SystemAppearance.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QFontDatabase>
+#include <QFontInfo>
+#include <QToolTip>
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace brevane {
+
+namespace {
+
+Theme* instance = nullptr;
+
+struct Type {
+    int pixels;
+    QFont::Weight weight;
+    bool monospaced = false;
+};
+
+constexpr std::array<std::pair<TextStyle, Type>, 11> types{{
+    {TextStyle::headline, {15, QFont::DemiBold}},
+    {TextStyle::subheadline, {12, QFont::DemiBold}},
+    {TextStyle::body, {13, QFont::Normal}},
+    {TextStyle::rowTitle, {13, QFont::Medium}},
+    {TextStyle::callout, {12, QFont::Normal}},
+    {TextStyle::caption, {11, QFont::Normal}},
+    {TextStyle::section, {11, QFont::DemiBold}},
+    {TextStyle::tag, {9, QFont::Bold}},
+    {TextStyle::button, {13, QFont::DemiBold}},
+    {TextStyle::field, {12, QFont::Normal, true}},
+    {TextStyle::code, {11, QFont::Normal, true}},
+}};
+
+} // namespace
+
+Theme::Theme(Scheme scheme) : dark(scheme == Scheme::dark) {
+    Q_ASSERT(instance == nullptr);
+    instance = this;
+    if (scheme == Scheme::system) {
+        appearance = new SystemAppearance(this);
+        dark = appearance->isDark();
+        connect(appearance, &SystemAppearance::changed, this,
+                [this] { setDark(appearance->isDark()); });
+    }
+    QApplication::setStyle(new Style);
+    QApplication::setPalette(palette());
+    qApp->installEventFilter(this);
+}
+
+Theme::~Theme() {
+    instance = nullptr;
+}
+
+const Theme& Theme::current() {
+    Q_ASSERT(instance != nullptr);
+    return *instance;
+}
+
+double Theme::textScale() const {
+    constexpr double tenPoints = 10 * 96.0 / 72;
+    return std::max(1.0, QFontInfo(QApplication::font()).pixelSize() / tenPoints);
+}
+
+int Theme::scaled(int length) const {
+    return qRound(length * textScale());
+}
+
+int Theme::symbolSize(int fontSize) const {
+    return scaled(qRound(fontSize * 16 / 13.0));
+}
+
+QFont Theme::font(TextStyle style) const {
+    const auto type = std::ranges::find(types, style, &std::pair<TextStyle, Type>::first)->second;
+    QFont font = QApplication::font();
+    if (type.monospaced)
+        font.setFamilies(QFontDatabase::systemFont(QFontDatabase::FixedFont).families());
+    font.setPixelSize(scaled(type.pixels));
+    font.setWeight(type.weight);
+    if (style == TextStyle::section || style == TextStyle::tag)
+        font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
+    return font;
+}
+
+void Theme::setDark(bool isDark) {
+    if (dark == isDark) return;
+    dark = isDark;
+    // Sends every widget a palette change, on which it repaints.
+    QApplication::setPalette(palette());
+    Q_EMIT changed();
+}
+
+bool Theme::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == qApp && event->type() == QEvent::ApplicationFontChange) Q_EMIT changed();
+    return QObject::eventFilter(watched, event);
+}
+
+QPalette Theme::palette() const {
+    const Colors& c = colors();
+    QPalette palette(dark ? QColor(0x3a, 0x3a, 0x3c) : QColor(0xec, 0xec, 0xee), c.window);
+    palette.setColor(QPalette::Base, c.popup);
+    palette.setColor(QPalette::ToolTipBase, c.popup);
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText})
+        palette.setColor(role, c.text);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, c.secondary);
+    palette.setColor(QPalette::PlaceholderText, c.secondary);
+    palette.setColor(QPalette::Highlight, c.blueFill);
+    palette.setColor(QPalette::HighlightedText, c.onFill);
+    palette.setColor(QPalette::Link, c.blue);
+    return palette;
+}
+
+} // namespace brevane
