@@ -346,16 +346,5 @@ TEST(Interrupt, CanBeRaisedAnyNumberOfTimes) {
     EXPECT_EQ(shell("while :; do :; done").run(interrupt)->status, SIGTERM);
 }
 
-TEST(Interrupt, CannotBeHadWithoutDescriptors) {
-    const int lowest = open("/dev/null", O_RDONLY);
-    close(lowest);
-    rlimit old{};
-    getrlimit(RLIMIT_NOFILE, &old);
-    const rlimit tight{.rlim_cur = static_cast<rlim_t>(lowest), .rlim_max = old.rlim_max};
-    setrlimit(RLIMIT_NOFILE, &tight);
-    EXPECT_THROW(Interrupt(), std::system_error);
-    setrlimit(RLIMIT_NOFILE, &old);
-}
-
 } // namespace
 } // namespace brevane
