@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ExitWatch.h"
 
-#include "SystemError.h"
-
+#include <sys/wait.h>
 #ifdef __APPLE__
 #include <sys/event.h>
 #else
@@ -10,31 +9,28 @@
 #include <unistd.h>
 #endif
 
+#include <cerrno>
+
 namespace brevane {
 
+Descriptor watchExit(pid_t child) {
 #ifdef __APPLE__
-
-std::expected<Descriptor, std::error_code> watchExit(pid_t child) {
     Descriptor events(kqueue());
-    if (!events.isOpen()) return std::unexpected(lastSystemError());
     struct kevent exit;
     EV_SET(&exit, child, EVFILT_PROC, EV_ADD, NOTE_EXIT, 0, nullptr);
-    if (kevent(events.get(), &exit, 1, nullptr, 0, nullptr) == -1) {
-        if (errno == ESRCH) return Descriptor();
-        return std::unexpected(lastSystemError());
-    }
+    if (kevent(events.get(), &exit, 1, nullptr, 0, nullptr) == -1) events.close();
     return events;
-}
-
 #else
-
-std::expected<Descriptor, std::error_code> watchExit(pid_t child) {
     // By number, as the C library's declaration of pidfd_open is not usable from C++ everywhere.
-    Descriptor exit(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
-    if (!exit.isOpen()) return std::unexpected(lastSystemError());
-    return exit;
+    return Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+#endif
 }
 
-#endif
+bool hasExited(pid_t child) {
+    siginfo_t exited{};
+    if (waitid(P_PID, static_cast<id_t>(child), &exited, WEXITED | WNOHANG | WNOWAIT) == -1)
+        return errno == ECHILD;
+    return exited.si_pid == child;
+}
 
 } // namespace brevane

@@ -5,13 +5,13 @@
 
 #include <sys/types.h>
 
-#include <expected>
-#include <system_error>
-
 namespace brevane {
 
-/// A descriptor that poll reports as readable once a child of ours has exited; a closed one if it
-/// has already. Does not reap it. The error of the operating system where there can be none.
-[[nodiscard]] std::expected<Descriptor, std::error_code> watchExit(pid_t child);
+/// A descriptor that poll reports as readable once a child of ours has exited. Does not reap it.
+/// A closed one where the operating system has none to give, also because the child has exited.
+[[nodiscard]] Descriptor watchExit(pid_t child);
+
+/// Whether a child of ours has exited, or is gone altogether. Does not reap it.
+[[nodiscard]] bool hasExited(pid_t child);
 
 } // namespace brevane

@@ -26,6 +26,9 @@ using std::chrono::milliseconds;
 // How long an interrupted child has to end by itself.
 constexpr std::chrono::seconds grace{1};
 
+// In milliseconds.
+constexpr int askingInterval = 10;
+
 // Appends what there is to be read, and closes the output at its end.
 void readSome(Descriptor& output, std::string& bytes) {
     std::array<char, 65536> chunk;
@@ -49,39 +52,36 @@ RunningChild::RunningChild(pid_t launched, Descriptor output, Descriptor error)
 
 std::expected<ChildProcess::Outcome, std::error_code>
 RunningChild::finish(const Interrupt& interrupt) {
-    auto exit = watchExit(process);
-    if (exit) {
-        drainUntilExit(interrupt, std::move(*exit));
-    } else {
-        signalGroup(SIGKILL);
-    }
-
+    drainUntilExit(interrupt);
     int status = 0;
     while (waitpid(process, &status, 0) == -1) {
         if (errno != EINTR) return std::unexpected(lastSystemError());
     }
-    if (!exit) return std::unexpected(exit.error());
     outcome.status = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
     return std::move(outcome);
 }
 
-void RunningChild::drainUntilExit(const Interrupt& interrupt, Descriptor exit) {
+void RunningChild::drainUntilExit(const Interrupt& interrupt) {
+    const Descriptor exit = watchExit(process);
+    bool exited = false;
     std::optional<Clock::time_point> deadline;
     bool killed = false;
-    while (exit.isOpen() || (!killed && (standardOutput.isOpen() || standardError.isOpen()))) {
-        // A closed descriptor is -1, which poll passes over.
+    while (!exited || (!killed && (standardOutput.isOpen() || standardError.isOpen()))) {
+        // Poll passes over -1, which a closed descriptor is.
         std::array<pollfd, 4> watched{{
             {.fd = standardOutput.get(), .events = POLLIN, .revents = 0},
             {.fd = standardError.get(), .events = POLLIN, .revents = 0},
-            {.fd = exit.get(), .events = POLLIN, .revents = 0},
+            {.fd = exited ? -1 : exit.get(), .events = POLLIN, .revents = 0},
             {.fd = deadline ? -1 : interrupt.descriptor(), .events = POLLIN, .revents = 0},
         }};
-        const int timeout = deadline && !killed ? millisecondsUntil(*deadline) : -1;
+        int timeout = deadline && !killed ? millisecondsUntil(*deadline) : -1;
+        // Without a descriptor for the exit it has to be asked for.
+        if (!exited && !exit.isOpen()) timeout = askingInterval;
         if (poll(watched.data(), watched.size(), timeout) == -1) continue;
 
         if (watched[0].revents != 0) readSome(standardOutput, outcome.standardOutput);
         if (watched[1].revents != 0) readSome(standardError, outcome.standardError);
-        if (watched[2].revents != 0) exit.close();
+        if (exit.isOpen() ? watched[2].revents != 0 : hasExited(process)) exited = true;
         if (watched[3].revents != 0) {
             signalGroup(SIGTERM);
             deadline = Clock::now() + grace;

@@ -18,13 +18,13 @@ public:
     /// Takes over the child and the read ends of its outputs.
     RunningChild(pid_t process, Descriptor standardOutput, Descriptor standardError);
 
-    /// Sees the child to its end as ChildProcess::run() promises. Once only. The error where the
-    /// operating system does not tell of the child's end: the child is killed then.
+    /// Sees the child to its end as ChildProcess::run() promises. Once only. The error where
+    /// someone else has reaped the child.
     [[nodiscard]] std::expected<ChildProcess::Outcome, std::error_code>
     finish(const Interrupt& interrupt);
 
 private:
-    void drainUntilExit(const Interrupt& interrupt, Descriptor exit);
+    void drainUntilExit(const Interrupt& interrupt);
     void signalGroup(int signal) const;
 
     pid_t process;

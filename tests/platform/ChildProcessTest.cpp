@@ -1,64 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "ChildProcess.h"
 
+#include "ChildProgram.h"
 #include "TemporaryFolder.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <csignal>
-#include <expected>
+#include <cstddef>
 #include <fstream>
-#include <future>
 #include <string>
 #include <system_error>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace brevane {
 namespace {
-
-using Result = std::expected<ChildProcess::Outcome, std::error_code>;
-
-// The program of this folder, which tells of itself.
-ChildProcess child(std::vector<std::string> arguments, std::vector<std::string> environment = {}) {
-    return {.executable = CHILD_PROGRAM,
-            .arguments = std::move(arguments),
-            .environment = std::move(environment)};
-}
-
-ChildProcess::Outcome run(const ChildProcess& process) {
-    const Interrupt interrupt;
-    Result result = process.run(interrupt);
-    if (!result) {
-        ADD_FAILURE() << result.error().message();
-        return {.standardOutput = "", .standardError = "", .status = -1};
-    }
-    return std::move(*result);
-}
-
-ChildProcess shell(std::string commandLine) {
-    return {
-        .executable = "/bin/sh", .arguments = {"-c", std::move(commandLine)}, .environment = {}};
-}
-
-int openDescriptors() {
-    int count = 0;
-    for (int descriptor = 0; descriptor < 4096; ++descriptor)
-        count += fcntl(descriptor, F_GETFD) != -1 ? 1 : 0;
-    return count;
-}
-
-bool hasNoChild() {
-    return waitpid(-1, nullptr, WNOHANG) == -1 && errno == ECHILD;
-}
 
 TEST(ChildProcess, GivesBothOutputsApart) {
     const auto outcome = run(shell("echo abc; echo warn >&2"));
@@ -175,52 +136,6 @@ TEST(ChildProcess, WithAnArgumentBeyondTheSystemsLimitGivesAnError) {
     EXPECT_EQ(process.run(interrupt).error(), std::errc::argument_list_too_long);
 }
 
-TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
-    const Interrupt interrupt;
-    const int lowest = open("/dev/null", O_RDONLY);
-    close(lowest);
-    const int before = openDescriptors();
-    rlimit old{};
-    getrlimit(RLIMIT_NOFILE, &old);
-    for (rlim_t left = 0; left < 4; ++left) {
-        const rlimit tight{.rlim_cur = static_cast<rlim_t>(lowest) + left,
-                           .rlim_max = old.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &tight);
-        const Result result = child({"exit", "0"}).run(interrupt);
-        setrlimit(RLIMIT_NOFILE, &old);
-        ASSERT_FALSE(result) << left;
-        EXPECT_EQ(result.error(), std::errc::too_many_files_open) << left;
-    }
-    EXPECT_EQ(openDescriptors(), before);
-    EXPECT_TRUE(hasNoChild());
-}
-
-TEST(ChildProcess, WorksWhereOurStandardDescriptorsAreClosed) {
-    const pid_t fork = ::fork();
-    if (fork == 0) {
-        for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-            close(descriptor);
-        const Interrupt interrupt;
-        const Result result = shell("cat; echo out; echo error >&2").run(interrupt);
-        _exit(result && result->standardOutput == "out\n" && result->standardError == "error\n"
-                  ? 0
-                  : 1);
-    }
-    int status = -1;
-    ASSERT_EQ(waitpid(fork, &status, 0), fork);
-    EXPECT_EQ(status, 0);
-}
-
-TEST(ChildProcess, LeaksNoDescriptorAndNoZombieOver1000Runs) {
-    const Interrupt interrupt;
-    const ChildProcess process{.executable = "/usr/bin/true", .arguments = {}, .environment = {}};
-    const int before = openDescriptors();
-    for (int i = 0; i < 1000; ++i)
-        ASSERT_EQ(process.run(interrupt)->status, 0);
-    EXPECT_EQ(openDescriptors(), before);
-    EXPECT_TRUE(hasNoChild());
-}
-
 TEST(ChildProcess, LeavesOtherChildrenToOthers) {
     const pid_t other = fork();
     if (other == 0) _exit(9);
@@ -246,104 +161,6 @@ TEST(ChildProcess, CanBeRunFromManyThreadsAtOnce) {
         thread.join();
     EXPECT_EQ(wrong, (std::array<int, 8>{}));
     EXPECT_TRUE(hasNoChild());
-}
-
-// A child that tells through a named pipe that it is ready, and by the pipe's end that it is gone.
-class InterruptedChild : public testing::Test {
-protected:
-    InterruptedChild() { mkfifo(namedPipe.c_str(), 0600); }
-    ~InterruptedChild() override { close(reading); }
-
-    void start(const std::string& what) {
-        running = std::async(std::launch::async, [this, what] {
-            return child({what, namedPipe}).run(interrupt);
-        });
-        reading = open(namedPipe.c_str(), O_RDONLY);
-        std::array<char, 32> text{};
-        ASSERT_GT(read(reading, text.data(), text.size() - 1), 0);
-        process = std::stoi(text.data());
-    }
-
-    // Ends the child, and says what became of it.
-    ChildProcess::Outcome outcome() {
-        Result result = running.get();
-        EXPECT_TRUE(result);
-        return result.value_or(
-            ChildProcess::Outcome{.standardOutput = "", .standardError = "", .status = -1});
-    }
-
-    void expectGone() const {
-        std::array<char, 1> byte{};
-        EXPECT_EQ(read(reading, byte.data(), byte.size()), 0);
-    }
-
-    TemporaryFolder folder;
-    std::string namedPipe = folder.path() / "ready";
-    Interrupt interrupt;
-    std::future<Result> running;
-    int reading = -1;
-    pid_t process = -1;
-};
-
-TEST_F(InterruptedChild, IsEndedByTermination) {
-    start("wait");
-    interrupt.raise();
-    EXPECT_EQ(outcome().status, SIGTERM);
-    expectGone();
-    EXPECT_TRUE(hasNoChild());
-}
-
-TEST_F(InterruptedChild, IsKilledWhenItIgnoresTermination) {
-    start("ignore-termination");
-    interrupt.raise();
-    const auto left = outcome();
-    EXPECT_EQ(left.status, SIGKILL);
-    EXPECT_EQ(left.standardOutput, "still here");
-    expectGone();
-}
-
-TEST_F(InterruptedChild, MayEndInItsOwnWay) {
-    start("handle-termination");
-    interrupt.raise();
-    EXPECT_EQ(outcome().status, 7);
-}
-
-TEST_F(InterruptedChild, IsEndedAlsoWhereItHasClosedItsOutputs) {
-    start("wait-with-closed-outputs");
-    interrupt.raise();
-    EXPECT_EQ(outcome().status, SIGTERM);
-}
-
-TEST_F(InterruptedChild, TakesAStubbornGrandchildWithIt) {
-    start("left-behind");
-    interrupt.raise();
-    EXPECT_EQ(outcome().status, 3);
-    expectGone();
-}
-
-TEST_F(InterruptedChild, IsNotWaitedForBecauseOfAGrandchildThatLeftTheGroup) {
-    start("escaped");
-    interrupt.raise();
-    EXPECT_EQ(outcome().status, 3);
-    EXPECT_EQ(kill(process, SIGKILL), 0);
-    expectGone();
-}
-
-TEST(Interrupt, RaisedBeforeTheStartEndsEveryLaterChild) {
-    Interrupt interrupt;
-    interrupt.raise();
-    for (int i = 0; i < 3; ++i) {
-        const Result result = shell("while :; do :; done").run(interrupt);
-        ASSERT_TRUE(result);
-        EXPECT_EQ(result->status, SIGTERM);
-    }
-}
-
-TEST(Interrupt, CanBeRaisedAnyNumberOfTimes) {
-    Interrupt interrupt;
-    for (int i = 0; i < 100'000; ++i)
-        interrupt.raise();
-    EXPECT_EQ(shell("while :; do :; done").run(interrupt)->status, SIGTERM);
 }
 
 } // namespace

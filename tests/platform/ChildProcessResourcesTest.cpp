@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "ChildProcess.h"
+
+#include "ChildProgram.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
+#ifdef __linux__
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#endif
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <functional>
+#include <system_error>
+#include <thread>
+
+namespace brevane {
+namespace {
+
+// Lets no descriptor of this number or above be made for as long as it lives.
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(int number) {
+        getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit tight{.rlim_cur = static_cast<rlim_t>(number), .rlim_max = before.rlim_max};
+        setrlimit(RLIMIT_NOFILE, &tight);
+    }
+    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before); }
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+
+private:
+    rlimit before{};
+};
+
+TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
+    const Interrupt interrupt;
+    const int lowest = open("/dev/null", O_RDONLY);
+    close(lowest);
+    const int before = openDescriptors();
+    for (int left = 0; left < 4; ++left) {
+        Result result;
+        {
+            const DescriptorLimit limit(lowest + left);
+            result = child({"exit", "0"}).run(interrupt);
+        }
+        ASSERT_FALSE(result) << left;
+        EXPECT_EQ(result.error(), std::errc::too_many_files_open) << left;
+    }
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_TRUE(hasNoChild());
+}
+
+// Closes our standard descriptors for as long as it lives.
+class StandardDescriptorsClosed {
+public:
+    StandardDescriptorsClosed() {
+        for (int descriptor = 0; descriptor < 3; ++descriptor) {
+            kept[static_cast<std::size_t>(descriptor)] = fcntl(descriptor, F_DUPFD_CLOEXEC, 100);
+            close(descriptor);
+        }
+    }
+    ~StandardDescriptorsClosed() {
+        for (int descriptor = 0; descriptor < 3; ++descriptor) {
+            dup2(kept[static_cast<std::size_t>(descriptor)], descriptor);
+            close(kept[static_cast<std::size_t>(descriptor)]);
+        }
+    }
+    StandardDescriptorsClosed(const StandardDescriptorsClosed&) = delete;
+    StandardDescriptorsClosed& operator=(const StandardDescriptorsClosed&) = delete;
+
+private:
+    std::array<int, 3> kept{};
+};
+
+TEST(ChildProcess, WorksWhereOurStandardDescriptorsAreClosed) {
+    const Interrupt interrupt;
+    Result result;
+    {
+        const StandardDescriptorsClosed closed;
+        result = shell("cat; echo out; echo error >&2").run(interrupt);
+    }
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->standardOutput, "out\n");
+    EXPECT_EQ(result->standardError, "error\n");
+}
+
+TEST(ChildProcess, GivesAnErrorWhereOnlyStandardDescriptorsAreLeft) {
+    const Interrupt interrupt;
+    Result result;
+    {
+        const StandardDescriptorsClosed closed;
+        const DescriptorLimit limit(3);
+        result = child({"exit", "0"}).run(interrupt);
+    }
+    EXPECT_FALSE(result);
+    EXPECT_TRUE(hasNoChild());
+}
+
+TEST(ChildProcess, GivesAnErrorWhereOurProgramHasItsChildrenReaped) {
+    const auto before = signal(SIGCHLD, SIG_IGN);
+    const Interrupt interrupt;
+    const Result result = child({"exit", "0"}).run(interrupt);
+    signal(SIGCHLD, before);
+    EXPECT_EQ(result.error(), std::errc::no_child_process);
+}
+
+TEST(ChildProcess, LeaksNoDescriptorAndNoZombieOver1000Runs) {
+    const Interrupt interrupt;
+    const ChildProcess process{.executable = "/usr/bin/true", .arguments = {}, .environment = {}};
+    const int before = openDescriptors();
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(process.run(interrupt)->status, 0);
+    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_TRUE(hasNoChild());
+}
+
+#ifdef __linux__
+// Runs `task` on a thread for which the system has no pidfd_open, as before Linux 5.3.
+void runWithoutExitDescriptors(const std::function<void()>& task) {
+    std::array<sock_filter, 4> filter{{
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_pidfd_open, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    }};
+    const sock_fprog program{.len = filter.size(), .filter = filter.data()};
+    std::thread([&] {
+        ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
+        ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
+        task();
+    }).join();
+}
+
+TEST(ChildProcessWithoutExitDescriptors, IsSeenToItsEndAllTheSame) {
+    runWithoutExitDescriptors([] {
+        EXPECT_EQ(run(child({"exit", "9"})).status, 9);
+        EXPECT_EQ(run(child({"end-after-closing-outputs"})).status, 5);
+        const auto late = run(child({"late"}));
+        EXPECT_EQ(late.standardOutput, "late");
+        EXPECT_EQ(late.status, 3);
+    });
+    EXPECT_TRUE(hasNoChild());
+}
+
+TEST(ChildProcessWithoutExitDescriptors, IsInterruptedAllTheSame) {
+    runWithoutExitDescriptors([] {
+        Interrupt interrupt;
+        interrupt.raise();
+        EXPECT_EQ(shell("while :; do :; done").run(interrupt)->status, SIGTERM);
+        EXPECT_EQ(shell("exec >&- 2>&-; while :; do :; done").run(interrupt)->status, SIGTERM);
+    });
+}
+#endif
+
+} // namespace
+} // namespace brevane
