@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: MIT
+#include "DoorbellSocket.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+namespace brevane {
+
+namespace {
+
+struct Address {
+    sockaddr_un value{};
+    socklen_t size = sizeof(sa_family_t);
+
+    /// The empty name makes the kernel pick one.
+    explicit Address(std::string_view name) {
+        value.sun_family = AF_UNIX;
+        if (name.empty()) return;
+        // The abstract namespace is marked by a NUL before the name.
+        const std::size_t length = std::min(name.size(), sizeof value.sun_path - 1);
+        name.copy(value.sun_path + 1, length);
+        size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
+    }
+
+    [[nodiscard]] const sockaddr* get() const { return reinterpret_cast<const sockaddr*>(&value); }
+};
+
+bool isOwnUser(msghdr& header) {
+    for (cmsghdr* part = CMSG_FIRSTHDR(&header); part != nullptr;
+         part = CMSG_NXTHDR(&header, part)) {
+        if (part->cmsg_level != SOL_SOCKET || part->cmsg_type != SCM_CREDENTIALS) continue;
+        ucred credentials;
+        std::memcpy(&credentials, CMSG_DATA(part), sizeof credentials);
+        return credentials.uid == geteuid();
+    }
+    return false;
+}
+
+} // namespace
+
+DoorbellSocket::DoorbellSocket() : DoorbellSocket("") {}
+
+DoorbellSocket::DoorbellSocket(std::string_view name)
+    : socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+    const int on = 1;
+    setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on);
+    const Address address(name);
+    if (bind(socket, address.get(), address.size) == 0) return;
+    close(socket);
+    socket = -1;
+}
+
+DoorbellSocket::~DoorbellSocket() {
+    if (socket >= 0) close(socket);
+}
+
+bool DoorbellSocket::send(std::string_view name, std::string_view text) {
+    const Address address(name);
+    return sendto(socket, text.data(), text.size(), MSG_NOSIGNAL, address.get(), address.size) >= 0;
+}
+
+std::optional<DoorbellSocket::Message> DoorbellSocket::receive() {
+    while (true) {
+        std::array<char, 4096> text;
+        iovec buffer{.iov_base = text.data(), .iov_len = text.size()};
+        sockaddr_un sender{};
+        alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(ucred))> control{};
+        msghdr header{};
+        header.msg_name = &sender;
+        header.msg_namelen = sizeof sender;
+        header.msg_iov = &buffer;
+        header.msg_iovlen = 1;
+        header.msg_control = control.data();
+        header.msg_controllen = control.size();
+        const ssize_t size = recvmsg(socket, &header, MSG_CMSG_CLOEXEC);
+        if (size < 0) return std::nullopt;
+        if (!isOwnUser(header)) continue;
+        constexpr std::size_t start = offsetof(sockaddr_un, sun_path) + 1;
+        Message message{.text = {text.data(), static_cast<std::size_t>(size)}, .sender = {}};
+        if (header.msg_namelen > start)
+            message.sender.assign(sender.sun_path + 1, header.msg_namelen - start);
+        return message;
+    }
+}
+
+bool DoorbellSocket::waitForMessage(std::chrono::milliseconds timeout) {
+    pollfd wait{.fd = socket, .events = POLLIN, .revents = 0};
+    return poll(&wait, 1, static_cast<int>(timeout.count())) > 0 && receive().has_value();
+}
+
+} // namespace brevane
