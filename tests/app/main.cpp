@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include "Theme.h"
+
 #include <QApplication>
 
 #include <cstdlib>
@@ -9,5 +11,6 @@ int main(int argc, char** argv) {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);
     testing::InitGoogleTest(&argc, argv);
     const QApplication application(argc, argv);
+    const brevane::Theme theme(brevane::Theme::Scheme::light);
     return RUN_ALL_TESTS();
 }
