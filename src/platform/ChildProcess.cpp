@@ -21,7 +21,7 @@ struct FileActions {
     FileActions(const FileActions&) = delete;
     FileActions& operator=(const FileActions&) = delete;
 
-    // Both descriptors lie above the three standard ones. The number of an error, or 0.
+    // The number of an error, or 0.
     int connect(int standardOutput, int standardError) {
         for (const int error : {
                  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0),

@@ -10,6 +10,8 @@ class Interrupt {
 public:
     /// Throws std::system_error where the process has no descriptor left.
     Interrupt();
+    Interrupt(const Interrupt&) = delete;
+    Interrupt& operator=(const Interrupt&) = delete;
 
     /// Ends the child that runs with this interrupt, and every later one as soon as it starts:
     /// SIGTERM to its process group, SIGKILL a second later. Any thread.

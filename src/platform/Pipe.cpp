@@ -6,8 +6,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <utility>
-
 namespace brevane {
 
 namespace {
@@ -24,25 +22,12 @@ int openPipe(int (&ends)[2]) {
 #endif
 }
 
-// Where standard descriptors of ours are closed, a pipe takes their numbers.
-bool moveAboveStandardDescriptors(Descriptor& end) {
-    if (end.get() > STDERR_FILENO) return true;
-    Descriptor moved(fcntl(end.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-    if (!moved.isOpen()) return false;
-    end = std::move(moved);
-    return true;
-}
-
 } // namespace
 
 std::expected<Pipe, std::error_code> Pipe::open() {
     int ends[2];
     if (openPipe(ends) == -1) return std::unexpected(lastSystemError());
-    Pipe opened{.readEnd = Descriptor(ends[0]), .writeEnd = Descriptor(ends[1])};
-    if (!moveAboveStandardDescriptors(opened.readEnd) ||
-        !moveAboveStandardDescriptors(opened.writeEnd))
-        return std::unexpected(lastSystemError());
-    return opened;
+    return Pipe{.readEnd = Descriptor(ends[0]), .writeEnd = Descriptor(ends[1])};
 }
 
 } // namespace brevane

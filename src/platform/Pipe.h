@@ -13,8 +13,7 @@ struct Pipe {
     Descriptor readEnd;
     Descriptor writeEnd;
 
-    /// A new pipe, neither end of which is one of the three standard descriptors, or the error of
-    /// the operating system.
+    /// A new pipe, or the error of the operating system.
     [[nodiscard]] static std::expected<Pipe, std::error_code> open();
 };
 

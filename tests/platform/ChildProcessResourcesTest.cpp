@@ -93,18 +93,6 @@ TEST(ChildProcess, WorksWhereOurStandardDescriptorsAreClosed) {
     EXPECT_EQ(result->standardError, "error\n");
 }
 
-TEST(ChildProcess, GivesAnErrorWhereOnlyStandardDescriptorsAreLeft) {
-    const Interrupt interrupt;
-    Result result;
-    {
-        const StandardDescriptorsClosed closed;
-        const DescriptorLimit limit(3);
-        result = child({"exit", "0"}).run(interrupt);
-    }
-    EXPECT_FALSE(result);
-    EXPECT_TRUE(hasNoChild());
-}
-
 TEST(ChildProcess, GivesAnErrorWhereOurProgramHasItsChildrenReaped) {
     const auto before = signal(SIGCHLD, SIG_IGN);
     const Interrupt interrupt;
