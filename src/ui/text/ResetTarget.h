@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <array>
+#include <string_view>
+
+namespace brevane {
+
+/// What a reset stops.
+enum class ResetTarget { all, serves, funnels };
+
+/// What the window says about a reset.
+struct ResetTexts {
+    std::string_view title;   ///< of the confirmation
+    std::string_view message; ///< of the confirmation
+    std::string_view toast;   ///< when it has been done
+};
+
+/// The texts of one reset.
+[[nodiscard]] constexpr ResetTexts resetTexts(ResetTarget target) {
+    switch (target) {
+    case ResetTarget::serves:
+        return {"Reset All Serves?", "This will stop all active serves (tailnet-only).",
+                "Serves stopped"};
+    case ResetTarget::funnels:
+        return {"Reset All Funnels?", "This will stop all active funnels (public internet).",
+                "Funnels stopped"};
+    case ResetTarget::all:
+        break;
+    }
+    return {"Reset All Shares?", "This will stop all active serves and funnels.",
+            "All shares stopped"};
+}
+
+} // namespace brevane

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ManagedServers.h"
+#include "ServeEntry.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace brevane {
+
+/// The address at which an entry can be reached. The default port and the root path do not show.
+[[nodiscard]] std::string displayURL(const ServeEntry& entry);
+
+/// What one of our own file servers serves behind this entry; none if it is not one of ours.
+[[nodiscard]] std::optional<ManagedServerInfo> managedInfo(const ServeEntry& entry,
+                                                           const ManagedServers::InfoMap& servers);
+
+/// The second line of a share.
+struct ShareDetail {
+    std::string_view symbol; ///< name of the symbol before the text
+    std::string_view kind;   ///< the same in a word, for screen readers
+    std::string text;        ///< the file or folder that is served, or the entry's target
+};
+
+[[nodiscard]] ShareDetail shareDetail(const ServeEntry& entry,
+                                      const std::optional<ManagedServerInfo>& managed);
+
+/// A share as one sentence for screen readers, such as "Serve, https://host, folder /srv/site".
+[[nodiscard]] std::string spokenShare(const ServeEntry& entry,
+                                      const std::optional<ManagedServerInfo>& managed);
+
+/// Title and message of the question before a share is stopped.
+[[nodiscard]] std::string stopTitle(const ServeEntry& entry);
+[[nodiscard]] std::string stopMessage(const ServeEntry& entry);
+
+} // namespace brevane
