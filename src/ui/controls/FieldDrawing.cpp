@@ -49,10 +49,8 @@ void drawPopUpButton(QPainter& painter, const QStyleOptionComplex& option) {
 void drawPopUpLabel(QPainter& painter, const QStyleOptionComboBox& option, const QRect& box) {
     painter.setPen(
         theme().color(option.state & QStyle::State_Enabled ? &Colors::text : &Colors::secondary));
-    const auto alignment =
-        QStyle::visualAlignment(option.direction, Qt::AlignLeft | Qt::AlignVCenter);
     painter.drawText(
-        box, alignment,
+        box, Qt::AlignLeft | Qt::AlignVCenter,
         painter.fontMetrics().elidedText(option.currentText, Qt::ElideMiddle, box.width()));
 }
 

@@ -52,9 +52,7 @@ void Label::paintEvent(QPaintEvent*) {
                          shownText());
         return;
     }
-    painter.drawText(contentsRect(),
-                     int(QStyle::visualAlignment(layoutDirection(), alignment())) |
-                         (wordWrap() ? Qt::TextWordWrap : 0),
+    painter.drawText(contentsRect(), int(alignment()) | (wordWrap() ? Qt::TextWordWrap : 0),
                      text());
 }
 

@@ -60,6 +60,7 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWi
         ink = c.onFill;
     }
     painter.setPen(ink);
+    painter.setFont(item.font);
     const int markWidth = item.menuHasCheckableItems ? 26 : 14;
     if (item.checked) {
         const QRect mark(box.left() + 8, box.top(), 16, box.height());
@@ -68,10 +69,9 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWi
     }
     const QRect text = QStyle::visualRect(item.direction, box, box.adjusted(markWidth, 0, -14, 0));
     const auto parts = item.text.split(QLatin1Char('\t'));
-    const auto leading = QStyle::visualAlignment(item.direction, Qt::AlignLeft);
-    const auto trailing = QStyle::visualAlignment(item.direction, Qt::AlignRight);
-    painter.drawText(text, int(Qt::AlignVCenter | leading) | Qt::TextShowMnemonic, parts.value(0));
-    painter.drawText(text, Qt::AlignVCenter | trailing, parts.value(1));
+    painter.drawText(text, int(Qt::AlignVCenter | Qt::AlignLeft) | Qt::TextShowMnemonic,
+                     parts.value(0));
+    painter.drawText(text, Qt::AlignVCenter | Qt::AlignRight, parts.value(1));
 }
 
 } // namespace brevane

@@ -5,9 +5,9 @@
 #include "Spinner.h"
 #include "Symbol.h"
 
-#include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
+#include <QTimerEvent>
 
 #include <algorithm>
 
@@ -20,12 +20,10 @@ constexpr int indicatorSide = 16;
 } // namespace
 
 PushButton::PushButton(Kind buttonKind, const QString& text, QWidget* parent)
-    : QAbstractButton(parent), kind(buttonKind), tint(kind == Kind::prominent ? &Colors::blueFill
-                                                      : kind == Kind::link    ? &Colors::blue
-                                                                              : &Colors::text) {
+    : Button(parent), kind(buttonKind), tint(kind == Kind::prominent ? &Colors::blueFill
+                                             : kind == Kind::link    ? &Colors::blue
+                                                                     : &Colors::text) {
     setText(text);
-    setFocusPolicy(Qt::TabFocus);
-    setAttribute(Qt::WA_Hover);
     const bool prominent = kind == Kind::prominent;
     setSizePolicy(prominent ? QSizePolicy::Minimum : QSizePolicy::Fixed, QSizePolicy::Fixed);
     const auto style = prominent            ? TextStyle::button
@@ -57,11 +55,6 @@ void PushButton::setBusy(bool on) {
     update();
 }
 
-void PushButton::setDefault(bool on) {
-    isDefault = on;
-    update();
-}
-
 int PushButton::leadingWidth() const {
     return symbolName.isEmpty() && !busy ? 0 : std::max(indicatorSide, theme().symbolSize(12)) + 6;
 }
@@ -76,7 +69,7 @@ QSize PushButton::sizeHint() const {
 
 void PushButton::drawGround(QPainter& painter) const {
     const Colors& c = theme().colors();
-    const bool hovered = underMouse() && isEnabled();
+    const bool hovered = isHovered();
     if (kind == Kind::prominent) {
         drawRoundedBox(painter, rect(), Theme::cornerRadius + 1, theme().color(tint));
         if (isDown() || hovered)
@@ -113,7 +106,7 @@ void PushButton::paintEvent(QPaintEvent*) {
     const QRect textBox =
         QStyle::visualRect(layoutDirection(), content, content.adjusted(lead, 0, 1, 0));
     painter.drawText(textBox, Qt::AlignVCenter | Qt::AlignLeft, text());
-    if (hasFocus() || isDefault) {
+    if (showsFocus()) {
         // A ring inside a filled button would not stand out against its colour.
         if (kind == Kind::prominent)
             drawRoundedBox(painter, rect().adjusted(2, 2, -2, -2), Theme::cornerRadius - 1,
@@ -124,17 +117,9 @@ void PushButton::paintEvent(QPaintEvent*) {
 }
 
 void PushButton::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != timer.timerId()) return QAbstractButton::timerEvent(event);
+    if (event->timerId() != timer.timerId()) return Button::timerEvent(event);
     step = (step + 1) % Spinner::steps;
     update();
-}
-
-void PushButton::keyPressEvent(QKeyEvent* event) {
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && isEnabled())
-        click();
-    else
-        QAbstractButton::keyPressEvent(event);
 }
 
 } // namespace brevane

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Button.h"
 #include "Theme.h"
 
-#include <QAbstractButton>
 #include <QBasicTimer>
 
 namespace brevane {
 
 /// A button with a text, and before it a symbol or a progress indicator.
-class PushButton : public QAbstractButton {
+class PushButton : public Button {
     Q_OBJECT
 public:
     enum class Kind {
@@ -30,16 +30,12 @@ public:
     void setBusy(bool on);
     [[nodiscard]] bool isBusy() const { return busy; }
 
-    /// Makes it what the return key presses in a dialog, and marks it so.
-    void setDefault(bool on);
-
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     [[nodiscard]] int leadingWidth() const;
@@ -49,7 +45,6 @@ private:
     ColorRole tint;
     QString symbolName;
     bool busy = false;
-    bool isDefault = false;
     QBasicTimer timer;
     int step = 0;
 };

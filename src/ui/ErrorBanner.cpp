@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#include "ErrorBanner.h"
+
+#include "Accessibility.h"
+#include "PushButton.h"
+#include "SelectableText.h"
+#include "SymbolView.h"
+
+#include <QHBoxLayout>
+
+namespace brevane {
+
+ErrorBanner::ErrorBanner(QWidget* parent)
+    : Surface(&Colors::orangeTint, 0.12, 0, parent),
+      text(new SelectableText(TextStyle::caption, &Colors::text, 8)) {
+    setAccessibleRole(*this, QAccessible::AlertMessage);
+    text->setAccessibleName(tr("Error"));
+    auto* clear = new PushButton(PushButton::Kind::link, tr("Clear"));
+    connect(clear, &PushButton::clicked, this, &ErrorBanner::clearRequested);
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(Theme::headerPadding, 6, Theme::headerPadding - 4, 6);
+    row->setSpacing(Theme::near);
+    row->addWidget(
+        new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), &Colors::orange, 12), 0,
+        Qt::AlignTop);
+    row->addWidget(text, 1, Qt::AlignVCenter);
+    row->addWidget(clear, 0, Qt::AlignTop);
+    hide();
+}
+
+void ErrorBanner::setError(const QString& error) {
+    const bool isNew = error != accessibleName();
+    setAccessibleName(error);
+    text->setShownText(error);
+    setVisible(!error.isEmpty());
+    if (isNew && !error.isEmpty()) announce(*this);
+}
+
+} // namespace brevane

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ServeMode.h"
+#include "Surface.h"
+
+namespace brevane {
+
+class Label;
+
+/// The top of the right pane: whether a new share is for the tailnet or for everyone.
+class ModeHeader : public Surface {
+    Q_OBJECT
+public:
+    explicit ModeHeader(QWidget* parent = nullptr);
+
+    [[nodiscard]] ServeMode mode() const { return chosen; }
+
+Q_SIGNALS:
+    void modeChanged(brevane::ServeMode mode);
+
+private:
+    void choose(ServeMode mode);
+
+    ServeMode chosen = ServeMode::serve;
+    Label* caption;
+};
+
+} // namespace brevane

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+#include "SectionBar.h"
+
+#include "Accessibility.h"
+#include "IconButton.h"
+#include "Label.h"
+#include "MenuDrawing.h"
+
+#include <QAction>
+#include <QHBoxLayout>
+#include <QMenu>
+
+#include <utility>
+
+namespace brevane {
+
+SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
+    auto* more = new IconButton(QStringLiteral("ellipsis.circle"), tr("Reset Shares"));
+    setAccessibleRole(*more, QAccessible::ButtonMenu);
+    auto* menu = new QMenu(more);
+    menu->setFont(theme().font(TextStyle::body));
+    const std::pair<QString, ResetTarget> items[] = {
+        {tr("Reset All Serves"), ResetTarget::serves},
+        {tr("Reset All Funnels"), ResetTarget::funnels},
+        {tr("Reset Everything"), ResetTarget::all}};
+    for (const auto& [label, target] : items) {
+        QAction* item = menu->addAction(label);
+        setDestructive(*item);
+        connect(item, &QAction::triggered, this,
+                [this, target = target] { Q_EMIT resetRequested(target); });
+    }
+    connect(more, &IconButton::clicked, this, [more, menu] {
+        const int trailing = more->width() - menu->sizeHint().width();
+        menu->popup(more->mapToGlobal(QPoint(std::min(0, trailing), more->height() + 2)));
+    });
+
+    auto* row = new QHBoxLayout(this);
+    // The button's symbol, not its edge, is in line with what stands above and below.
+    row->setContentsMargins(Theme::headerPadding, 4, Theme::headerPadding, 4);
+    row->addWidget(new Label(TextStyle::subheadline, &Colors::secondary, tr("Active Shares")));
+    row->addStretch();
+    row->addWidget(more);
+}
+
+} // namespace brevane

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Surface.h"
+
+#include <QString>
+
+namespace brevane {
+
+class IconButton;
+class Label;
+class Spinner;
+class SymbolView;
+
+/// The top of the left pane: the application, the connection's state and the command that reads it
+/// anew.
+class StatusHeader : public Surface {
+    Q_OBJECT
+public:
+    explicit StatusHeader(QWidget* parent = nullptr);
+
+    void setStatus(bool isConnected, const QString& statusLine);
+    void setLoading(bool isLoading);
+
+Q_SIGNALS:
+    void refreshRequested();
+
+private:
+    class Dot;
+
+    Spinner* spinner;
+    Dot* dot;
+    Label* status;
+};
+
+} // namespace brevane

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "ToastBar.h"
+
+#include "Accessibility.h"
+#include "Label.h"
+#include "SymbolView.h"
+
+#include <QHBoxLayout>
+
+namespace brevane {
+
+ToastBar::ToastBar(QWidget* parent)
+    : Surface(&Colors::greenTint, 0.12, 0, parent), text(new Label(TextStyle::callout)) {
+    setAccessibleRole(*this, QAccessible::AlertMessage);
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(14, 8, 14, 8);
+    row->setSpacing(8);
+    row->addWidget(new SymbolView(QStringLiteral("checkmark.circle.fill"), &Colors::green, 12));
+    row->addWidget(text, 1);
+    toastTimer.setSingleShot(true);
+    toastTimer.setInterval(shownForMs);
+    toastTimer.setTimerType(Qt::PreciseTimer);
+    connect(&toastTimer, &QTimer::timeout, this, &QWidget::hide);
+    hide();
+}
+
+void ToastBar::showToast(const QString& message) {
+    text->setPlainText(message);
+    setAccessibleName(message);
+    show();
+    announce(*this);
+    toastTimer.start();
+}
+
+} // namespace brevane

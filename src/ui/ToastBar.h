@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Surface.h"
+
+#include <QTimer>
+
+namespace brevane {
+
+class Label;
+
+/// A message across the bottom of the window that goes by itself.
+class ToastBar : public Surface {
+    Q_OBJECT
+public:
+    explicit ToastBar(QWidget* parent = nullptr);
+
+    /// Shows the message in place of any other, for three seconds from now.
+    void showToast(const QString& message);
+
+    static constexpr int shownForMs = 3000;
+
+private:
+    Label* text;
+    QTimer toastTimer;
+};
+
+} // namespace brevane

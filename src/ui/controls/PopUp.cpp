@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: MIT
+#include "PopUp.h"
+
+#include "Theme.h"
+
+#include <QWheelEvent>
+
+namespace brevane {
+
+PopUp::PopUp(QWidget* parent) : QComboBox(parent) {
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    setFont(theme().font(TextStyle::body));
+    connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
+}
+
+void PopUp::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+} // namespace brevane
