@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+#include <vector>
+
+namespace brevane::pictures {
+
+/// Small pictures side by side, each with its name under it.
+class ContactSheet {
+public:
+    void add(const QString& name, const QImage& picture);
+    [[nodiscard]] QImage image() const;
+
+private:
+    struct Frame {
+        QString name;
+        QImage picture;
+    };
+    std::vector<Frame> frames;
+};
+
+} // namespace brevane::pictures

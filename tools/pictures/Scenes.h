@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Stage.h"
+
+#include <QString>
+
+#include <functional>
+#include <vector>
+
+namespace brevane::pictures {
+
+/// One state of the window.
+struct Scene {
+    QString name;
+    std::function<void(Stage&)> enter;
+};
+
+/// Every state that the window can be in.
+[[nodiscard]] std::vector<Scene> allScenes();
+
+} // namespace brevane::pictures

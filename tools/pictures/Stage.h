@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ContentView.h"
+#include "QtMainQueue.h"
+#include "TailscaleService.h"
+
+#include <QImage>
+#include <QMainWindow>
+
+#include <memory>
+
+namespace brevane::pictures {
+
+/// Preferences that forget.
+class NoPreferences final : public Preferences {
+public:
+    [[nodiscard]] std::optional<Dictionary> dictionary(const std::string&) const override {
+        return {};
+    }
+    std::error_code set(const std::string&, const Dictionary&) override { return {}; }
+};
+
+/// A main window with a service whose every command just takes its time, to put into one state and
+/// take a picture of.
+class Stage {
+public:
+    Stage();
+    ~Stage();
+
+    /// The window with what is open above it, drawn at so many pixels to each of its own.
+    [[nodiscard]] QImage picture(double pixelRatio);
+
+    /// Lets everything that is queued happen.
+    static void settle();
+
+    template <class Widget>
+    [[nodiscard]] Widget& find(const QString& accessibleName) {
+        for (auto* widget : window.findChildren<Widget*>())
+            if (widget->accessibleName() == accessibleName || isNamed(*widget, accessibleName))
+                return *widget;
+        qFatal("nothing is called %s", qPrintable(accessibleName));
+    }
+
+    NoPreferences preferences;
+    ServerPool pool;
+    QtMainQueue mainQueue;
+    SerialQueue queue;
+    std::shared_ptr<TailscaleService> service;
+    QMainWindow window;
+    ContentView* content;
+
+private:
+    [[nodiscard]] static bool isNamed(const QWidget& widget, const QString& text);
+};
+
+} // namespace brevane::pictures
