@@ -31,30 +31,54 @@ while [ $# -gt 0 ]; do
     esac
 done
 [ -n "$output" ] || status=2 fail "--output is missing; see --help"
-[ -n "$version" ] || version=$(sed -n 's/^[[:space:]]*tailscale\.com v//p' "$here/go.mod")
+pinned=$(sed -n 's/^[[:space:]]*tailscale\.com v//p' "$here/go.mod")
+version=${version:-$pinned}
 
 mkdir -p "$output"
 output=$(cd "$output" && pwd)
 command -v go >/dev/null || fail "Go is missing; $(sed -n 's/^go /version /p' "$here/go.mod") or newer is needed"
 
 # Parts of Tailscale that sharing on loopback never touches; they are a quarter of its packages.
-omit=
-for feature in appconnectors aws bird capture clientupdate cloud completion completion_scripts conn25 \
-    debugportmapper desktop_sessions drive flashappliance identityfederation kube linuxdnsfight \
-    networkmanager oauthkey portmapper posture qrcodes relayserver resolved ssh synology systray \
-    taildrop tap tpm wakeonlan webclient; do
-    omit=$omit${omit:+,}ts_omit_$feature
-done
+omitted_features() {
+    for feature in appconnectors aws bird capture clientupdate cloud completion completion_scripts conn25 \
+        debugportmapper desktop_sessions drive flashappliance identityfederation kube linuxdnsfight \
+        networkmanager oauthkey portmapper posture qrcodes relayserver resolved ssh synology systray \
+        taildrop tap tpm wakeonlan webclient; do
+        printf 'ts_omit_%s,' "$feature"
+    done
+}
 
-stamp=$output/tailscale.version
-if [ "$(cat "$stamp" 2>/dev/null)" != "$version" ] || [ ! -x "$output/tailscale" ] || [ ! -x "$output/tailscaled" ]; then
+build_tailscale() {
+    stamp=tailscale.com/version
+    set -- -trimpath -ldflags "-s -w -X $stamp.shortStamp=$version -X $stamp.longStamp=$version"
+    # Other versions know other features, and are built whole.
+    [ "$version" != "$pinned" ] || set -- "$@" -tags "$(omitted_features)"
+    # Before 1.62 a module is asked for by a name that has gone; its owner has it under another.
+    case $version in
+    1.[0-9].* | 1.[0-5][0-9].* | 1.6[01].*) build_with_peercred_replaced "$@" ;;
+    *) GOBIN=$output go install "$@" "tailscale.com/cmd/tailscale@v$version" "tailscale.com/cmd/tailscaled@v$version" ;;
+    esac
+}
+
+build_with_peercred_replaced() {
+    source=$(mktemp -d)
+    trap 'rm -rf "$source"' EXIT
+    module=$(cd "$source" && go mod download -json "tailscale.com@v$version" | sed -n 's/^[[:space:]]*"Dir": "\(.*\)",\{0,1\}$/\1/p')
+    cp -R "$module/." "$source"
+    chmod -R u+w "$source"
+    (
+        cd "$source"
+        go mod edit -replace=inet.af/peercred=github.com/tailscale/peercred@v0.0.0-20240214030740-b535050b2aa4
+        go build -mod=mod "$@" -o "$output/" ./cmd/tailscale ./cmd/tailscaled
+    )
+}
+
+built=$output/tailscale.version
+if [ "$(cat "$built" 2>/dev/null)" != "$version" ] || [ ! -x "$output/tailscale" ] || [ ! -x "$output/tailscaled" ]; then
     echo "Building tailscale and tailscaled $version (about two minutes the first time) ..." >&2
-    rm -f "$stamp"
-    prefix=tailscale.com/version
-    GOBIN=$output go install -trimpath -tags "$omit" \
-        -ldflags "-s -w -X $prefix.shortStamp=$version -X $prefix.longStamp=$version" \
-        "tailscale.com/cmd/tailscale@v$version" "tailscale.com/cmd/tailscaled@v$version"
-    echo "$version" >"$stamp"
+    rm -f "$built"
+    build_tailscale
+    echo "$version" >"$built"
 fi
 
 if [ ! -x "$output/tailnet" ] || [ -n "$(find "$here" -newer "$output/tailnet" ! -name '*_test.go' -type f -print -quit)" ]; then

@@ -84,7 +84,8 @@ func (t *tailnet) startNode(name, binaries string, signer *authority.Authority) 
 		return err
 	}
 	n, err := node.Start(node.Options{
-		Name: name, Dir: dir, Socket: socket, Bin: binaries, Login: t.control.URL, Trap: t.control.Trap.URL,
+		Name: name, Dir: dir, Socket: socket, Bin: binaries,
+		Login: t.control.URL, CA: t.record.CA, Trap: t.control.Trap.URL,
 	})
 	if err != nil {
 		return err

@@ -5,6 +5,7 @@
 package control
 
 import (
+	"fmt"
 	"net/http/httptest"
 	"sync"
 
@@ -52,7 +53,7 @@ func Start(logf logger.Logf) (*Control, error) {
 		},
 		// Without this the server also grants its own default capabilities.
 		DefaultNodeCapabilities: &tailcfg.NodeCapMap{},
-		HoldMapRequest:          c.grantCapabilities,
+		HoldMapRequest:          c.admit,
 	}
 	hs := httptest.NewUnstartedServer(c.server)
 	hs.Config.ErrorLog = logger.StdLogger(logf)
@@ -72,15 +73,22 @@ func (c *Control) Close() {
 	c.closers = nil
 }
 
-// grantCapabilities runs before each map request is answered, and gives a node
-// that asks for the first time what an administrator would switch on.
-func (c *Control) grantCapabilities(r *tailcfg.MapRequest) func() {
+// admit runs before each map request is answered. A node that asks for the
+// first time gets what an administrator would switch on.
+func (c *Control) admit(r *tailcfg.MapRequest) func() {
 	c.mu.Lock()
 	first := !c.seen[r.NodeKey]
 	c.seen[r.NodeKey] = true
 	c.mu.Unlock()
-	if first {
-		c.server.SetNodeCapMap(r.NodeKey, capabilities())
+	if !first {
+		return nil
+	}
+	c.server.SetNodeCapMap(r.NodeKey, capabilities())
+	if node := c.server.Node(r.NodeKey); node != nil {
+		// Where nodes before 1.80 look for their peers' home relay; the server sets
+		// only what later ones read.
+		node.LegacyDERPString = fmt.Sprintf("%s:%d", tailcfg.DerpMagicIP, region)
+		c.server.UpdateNode(node)
 	}
 	return nil
 }

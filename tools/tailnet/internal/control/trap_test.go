@@ -25,6 +25,9 @@ func TestTrapRefusesAndReports(t *testing.T) {
 	if _, err := client.Get("https://outside.example/"); err == nil {
 		t.Error("a tunnel was opened")
 	}
+	if response, err := http.Get(trap.URL + "/acme-directory"); err != nil || response.StatusCode != http.StatusForbidden {
+		t.Error(response, err)
+	}
 	want := []string{"GET http://outside.example/x", "CONNECT outside.example:443"}
 	if got := trap.Caught(); !slices.Equal(got, want) {
 		t.Errorf("caught %q, want %q", got, want)

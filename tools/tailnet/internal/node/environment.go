@@ -28,10 +28,11 @@ func environment(o Options) []string {
 		"HTTP_PROXY="+o.Trap,
 		"HTTPS_PROXY="+o.Trap,
 		"NO_PROXY=127.0.0.1,localhost",
-		// The daemon trusts stored certificates of an unknown authority only
-		// where its ACME directory is not Let's Encrypt's,
+		// The daemon uses a stored certificate only if it trusts its authority,
+		"SSL_CERT_FILE="+o.CA,
+		// on macOS and since 1.82 also if its ACME directory is not Let's Encrypt's.
 		"TS_DEBUG_ACME_DIRECTORY_URL="+o.Trap+"/acme-directory",
-		// and so it never asks that directory for new ones.
+		// Since 1.82 this keeps it from asking that directory for new ones.
 		"TS_CERT_SHARE_MODE=ro",
 	)
 }

@@ -20,6 +20,7 @@ type Options struct {
 	Socket string // where its daemon listens for the command line
 	Bin    string // folder of tailscale and tailscaled
 	Login  string // URL of the control server
+	CA     string // file of the authority that its certificates are from
 	Trap   string // proxy for whatever would go outside
 }
 
