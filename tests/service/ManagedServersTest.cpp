@@ -198,6 +198,7 @@ TEST_F(ManagedServersTest, TheEndOfTheServiceStopsServersAndKeepsTheRecord) {
     finishRefresh();
     const auto port = service->managedServerInfo->begin()->first;
     service.reset();
+    queue.reset(); // the task of the last command may have held the service
     EXPECT_EQ(answerTo(port, "GET / HTTP/1.1\r\n\r\n"), "");
     EXPECT_EQ(record().size(), 1u);
 }

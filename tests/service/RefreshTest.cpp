@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ServiceTest.h"
 
+#include <latch>
 #include <string>
 #include <vector>
 
@@ -218,12 +219,16 @@ TEST_F(Refresh, EveryChangeIsForwardedBeforeItTakesEffect) {
 
 TEST_F(Refresh, DoesNothingOnceTheServiceIsGone) {
     start();
+    std::latch dropped(1);
+    std::latch done(1);
+    queue->post([&] { dropped.wait(); });
     service->refresh();
-    const std::weak_ptr<TailscaleService> watched = service;
+    queue->post([&] { done.count_down(); });
     service.reset();
-    ASSERT_TRUE(mainQueue.runOne()); // "loading on" held the service until here
-    while (!watched.expired())
-        mainQueue.runPending();
+    mainQueue.dropPending(); // "loading on" held the service until here
+    dropped.count_down();
+    done.wait();
+    EXPECT_TRUE(commands().empty());
 }
 
 TEST_F(Refresh, AMissingExecutableShowsTheShellsMessage) {

@@ -9,6 +9,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <utility>
 
 namespace brevane::test {
@@ -16,13 +17,15 @@ namespace brevane::test {
 /// A main queue that the test runs by hand, task by task.
 class PumpedMainQueue final : public MainQueue {
 public:
-    void post(std::function<void()> task) override { boost::asio::post(context, std::move(task)); }
+    void post(std::function<void()> task) override {
+        boost::asio::post(loop->context, std::move(task));
+    }
 
     /// Waits for the next task and runs it. False if none comes, which only a hanging test sees.
-    bool runOne() { return context.run_one_for(std::chrono::seconds(60)) == 1; }
+    bool runOne() { return loop->context.run_one_for(std::chrono::seconds(60)) == 1; }
 
-    /// Runs the tasks that are waiting now.
-    void runPending() { context.poll(); }
+    /// Drops the tasks that are waiting, as happens once the event loop has ended.
+    void dropPending() { loop = std::make_unique<Loop>(); }
 
     /// Runs tasks until the condition holds. False if it never does.
     bool runUntil(const std::function<bool()>& condition) {
@@ -32,9 +35,12 @@ public:
     }
 
 private:
-    boost::asio::io_context context;
-    boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{
-        context.get_executor()};
+    struct Loop {
+        boost::asio::io_context context;
+        boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{
+            context.get_executor()};
+    };
+    std::unique_ptr<Loop> loop = std::make_unique<Loop>();
 };
 
 } // namespace brevane::test
