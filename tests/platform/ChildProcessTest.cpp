@@ -121,12 +121,12 @@ TEST(ChildProcess, ThatIsMissingGivesAnError) {
 
 TEST(ChildProcess, ThatMayNotBeExecutedGivesAnError) {
     const Interrupt interrupt;
-    const TemporaryFolder folder;
-    std::ofstream(folder.path() / "plain") << "text";
+    const test::TemporaryFolder folder;
+    std::ofstream(folder / "plain") << "text";
     ChildProcess refused = child({});
-    refused.executable = folder.path() / "plain";
+    refused.executable = folder / "plain";
     EXPECT_EQ(refused.run(interrupt).error(), std::errc::permission_denied);
-    refused.executable = folder.path();
+    refused.executable = folder.path;
     EXPECT_EQ(refused.run(interrupt).error(), std::errc::permission_denied);
 }
 

@@ -30,7 +30,7 @@ TEST_F(FilePreferencesOnDisk, IsReadableByItsOwnerAloneWhateverWasThere) {
     umask(0);
     write("{}");
     fs::permissions(file, fs::perms::all);
-    const fs::path leftBehind = folder.path() / "preferences.json.new";
+    const fs::path leftBehind = folder / "preferences.json.new";
     std::ofstream(leftBehind) << "left behind by a writer that was killed";
     fs::permissions(leftBehind, fs::perms::all);
     FilePreferences preferences(file);
@@ -43,7 +43,7 @@ TEST_F(FilePreferencesOnDisk, IsReadableByItsOwnerAloneWhateverWasThere) {
 
 TEST_F(FilePreferencesOnDisk, MakesMissingFoldersForItsOwnerAlone) {
     umask(0);
-    const fs::path deep = folder.path() / "config" / "brevane";
+    const fs::path deep = folder / "config" / "brevane";
     FilePreferences preferences(deep / "preferences.json");
     EXPECT_FALSE(preferences.set(key, sample));
     umask(022);
@@ -53,14 +53,14 @@ TEST_F(FilePreferencesOnDisk, MakesMissingFoldersForItsOwnerAlone) {
 }
 
 TEST_F(FilePreferencesOnDisk, LeavesTheModeOfAFolderThatIsThere) {
-    fs::permissions(folder.path(), fs::perms::owner_all | fs::perms::group_read);
+    fs::permissions(folder.path, fs::perms::owner_all | fs::perms::group_read);
     EXPECT_FALSE(FilePreferences(file).set(key, sample));
-    EXPECT_EQ(mode(folder.path()), 0740U);
+    EXPECT_EQ(mode(folder.path), 0740U);
 }
 
 TEST_F(FilePreferencesOnDisk, WorksOnABareNameInTheCurrentFolder) {
     const fs::path before = fs::current_path();
-    fs::current_path(folder.path());
+    fs::current_path(folder.path);
     FilePreferences preferences("preferences.json");
     EXPECT_FALSE(preferences.set(key, sample));
     EXPECT_EQ(preferences.dictionary(key), sample);
@@ -69,7 +69,7 @@ TEST_F(FilePreferencesOnDisk, WorksOnABareNameInTheCurrentFolder) {
 }
 
 TEST_F(FilePreferencesOnDisk, WritesThroughASymbolicLink) {
-    const fs::path elsewhere = folder.path() / "dotfiles";
+    const fs::path elsewhere = folder / "dotfiles";
     fs::create_directory(elsewhere);
     std::ofstream(elsewhere / "real.json") << R"({"Other":1})";
     fs::create_symlink("dotfiles/hop", file);
@@ -88,7 +88,7 @@ TEST_F(FilePreferencesOnDisk, MakesWhatADanglingLinkPointsTo) {
     EXPECT_EQ(preferences.dictionary(key), std::nullopt);
     EXPECT_FALSE(preferences.set(key, sample));
     EXPECT_TRUE(fs::is_symlink(file));
-    EXPECT_EQ(FilePreferences(folder.path() / "new" / "real.json").dictionary(key), sample);
+    EXPECT_EQ(FilePreferences(folder / "new" / "real.json").dictionary(key), sample);
 }
 
 TEST_F(FilePreferencesOnDisk, GivesAnErrorForACircleOfLinks) {
@@ -103,15 +103,15 @@ TEST_F(FilePreferencesOnDisk, LeavesAloneWhatItCannotRead) {
     FilePreferences preferences(file);
     EXPECT_EQ(preferences.set(key, sample), std::errc::is_a_directory);
     EXPECT_EQ(preferences.dictionary(key), std::nullopt);
-    EXPECT_EQ(names(folder.path()), std::set<std::string>{"preferences.json"});
+    EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
 }
 
 TEST_F(FilePreferencesOnDisk, GivesAnErrorWhereTheFolderCannotBeMade) {
     write("text");
     EXPECT_EQ(FilePreferences(file / "brevane" / "preferences.json").set(key, sample),
               std::errc::not_a_directory);
-    fs::create_symlink("nowhere", folder.path() / "dangling");
-    EXPECT_EQ(FilePreferences(folder.path() / "dangling" / "preferences.json").set(key, sample),
+    fs::create_symlink("nowhere", folder / "dangling");
+    EXPECT_EQ(FilePreferences(folder / "dangling" / "preferences.json").set(key, sample),
               std::errc::file_exists);
 }
 
@@ -126,7 +126,7 @@ TEST_F(FilePreferencesOnDisk, GivesAnErrorWhereTheBrokenFileCannotBeKept) {
 TEST_F(FilePreferencesOnDisk, GivesAnErrorWhereTheTemporaryFileCannotBeMade) {
     FilePreferences preferences(file);
     EXPECT_FALSE(preferences.set(key, sample));
-    fs::create_directory(folder.path() / "preferences.json.new");
+    fs::create_directory(folder / "preferences.json.new");
     EXPECT_EQ(preferences.set(key, {}), std::errc::is_a_directory);
     EXPECT_EQ(preferences.dictionary(key), sample);
 }
@@ -147,7 +147,7 @@ TEST_F(FilePreferencesOnDisk, KeepsTheOldRecordWhereTheDiskIsFull) {
 
     EXPECT_EQ(error, std::errc::file_too_large);
     EXPECT_EQ(preferences.dictionary(key), sample);
-    EXPECT_EQ(names(folder.path()), std::set<std::string>{"preferences.json"});
+    EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
 }
 
 // A record all of whose values tell the generation, long enough for a write to take its time.
@@ -197,7 +197,7 @@ TEST_F(FilePreferencesOnDisk, HoldTheOldOrTheNewRecordAfter200Kills) {
             ASSERT_EQ(*record, generation(stored));
         }
     }
-    for (const std::string& name : names(folder.path()))
+    for (const std::string& name : names(folder.path))
         EXPECT_TRUE(name == "preferences.json" || name == "preferences.json.new") << name;
 }
 

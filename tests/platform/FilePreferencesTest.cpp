@@ -90,7 +90,7 @@ TEST_F(FilePreferencesTest, LeavesNothingBesideOtherwise) {
     FilePreferences preferences(file);
     EXPECT_FALSE(preferences.set(key, sample));
     EXPECT_FALSE(preferences.set(key, {}));
-    EXPECT_EQ(names(folder.path()), std::set<std::string>{"preferences.json"});
+    EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
 }
 
 TEST_F(FilePreferencesTest, RefusesTextThatIsNotUtf8) {
@@ -141,13 +141,12 @@ TEST(DefaultFile, IsInTheHomeDirectoryWhereNoAbsoluteFolderIsNamed) {
 
 TEST(UserPreferences, AreInTheDefaultFile) {
     const ConfigHome restored;
-    const TemporaryFolder folder;
-    setenv("XDG_CONFIG_HOME", folder.path().c_str(), 1);
+    const test::TemporaryFolder folder;
+    setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
     const std::unique_ptr<Preferences> preferences = makeUserPreferences();
     EXPECT_EQ(preferences->dictionary(key), std::nullopt);
     EXPECT_FALSE(preferences->set(key, sample));
-    EXPECT_EQ(FilePreferences(folder.path() / "brevane" / "preferences.json").dictionary(key),
-              sample);
+    EXPECT_EQ(FilePreferences(folder / "brevane" / "preferences.json").dictionary(key), sample);
 }
 
 } // namespace

@@ -46,8 +46,8 @@ protected:
         EXPECT_EQ(read(reading, byte.data(), byte.size()), 0);
     }
 
-    TemporaryFolder folder;
-    std::string namedPipe = folder.path() / "ready";
+    test::TemporaryFolder folder;
+    std::string namedPipe = folder / "ready";
     Interrupt interrupt;
     std::future<Result> running;
     int reading = -1;

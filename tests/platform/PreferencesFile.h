@@ -51,9 +51,9 @@ protected:
         return status.st_mode & 07777;
     }
 
-    TemporaryFolder folder;
-    fs::path file = folder.path() / "preferences.json";
-    fs::path broken = folder.path() / "preferences.json.broken";
+    test::TemporaryFolder folder;
+    fs::path file = folder / "preferences.json";
+    fs::path broken = folder / "preferences.json.broken";
 };
 
 } // namespace brevane
