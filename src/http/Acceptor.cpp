@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: MIT
+#include "Acceptor.h"
+
+#include "Connection.h"
+
+#include <boost/asio/defer.hpp>
+#include <boost/asio/dispatch.hpp>
+#include <boost/asio/ip/v6_only.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/asio/use_future.hpp>
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <future>
+
+namespace brevane {
+
+namespace {
+
+using boost::asio::ip::tcp;
+
+constexpr int backlog = 4096; // The system lowers it to its own limit.
+constexpr auto pauseTime = std::chrono::milliseconds(50);
+
+// The next connection, ready for calls that do not wait; none, and errno, where there is none.
+Descriptor acceptFrom(int listening) {
+#ifdef __linux__
+    return Descriptor(::accept4(listening, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+#else
+    Descriptor accepted(::accept(listening, nullptr, nullptr));
+    if (accepted.isOpen()) {
+        const int on = 1;
+        ::fcntl(accepted.get(), F_SETFL, O_NONBLOCK);
+        ::fcntl(accepted.get(), F_SETFD, FD_CLOEXEC);
+        ::setsockopt(accepted.get(), SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+    }
+    return accepted;
+#endif
+}
+
+enum class Trouble { none, passing, shortage, fatal };
+
+// What accept(2) may report, sorted by what helps.
+Trouble troubleOf(int error) {
+    switch (error) {
+    case EAGAIN: // Another thread of control has taken it, or the client has gone.
+    case ECONNABORTED:
+    case EINTR:
+        return Trouble::passing;
+    case EBADF:
+    case EINVAL:
+    case ENOTSOCK:
+    case EOPNOTSUPP:
+        return Trouble::fatal;
+    default:
+        return Trouble::shortage; // of descriptors or memory, or the network's own
+    }
+}
+
+} // namespace
+
+Acceptor::Acceptor(const std::shared_ptr<const ServedFolder>& served, std::atomic<bool>& isRunning)
+    : threads(served->threads), folder(served), running(isRunning),
+      socket(Strand(threads.handlers())), pauseTimer(socket.get_executor()) {}
+
+std::error_code Acceptor::listen(std::uint16_t port) {
+    boost::system::error_code error = listenOn({tcp::v6(), port});
+    if (error == boost::asio::error::address_family_not_supported ||
+        error == boost::system::errc::address_not_available)
+        error = listenOn({tcp::v4(), port});
+    return error;
+}
+
+boost::system::error_code Acceptor::listenOn(const tcp::endpoint& address) {
+    try {
+        socket.close();
+        socket.open(address.protocol());
+        if (address.protocol() == tcp::v6()) socket.set_option(boost::asio::ip::v6_only(false));
+        socket.set_option(tcp::acceptor::reuse_address(true));
+        socket.native_non_blocking(true);
+        socket.bind(address);
+        socket.listen(backlog);
+        return {};
+    } catch (const boost::system::system_error& failure) {
+        return failure.code();
+    }
+}
+
+std::uint16_t Acceptor::port() const {
+    boost::system::error_code unknown;
+    return socket.local_endpoint(unknown).port();
+}
+
+void Acceptor::start() {
+    boost::asio::post(socket.get_executor(), [self = shared_from_this()] { self->wait(); });
+}
+
+void Acceptor::stop() {
+    boost::asio::post(socket.get_executor(), boost::asio::use_future([this] { close(); })).wait();
+}
+
+void Acceptor::wait() {
+    if (!socket.is_open()) return;
+    socket.async_wait(Socket::wait_read,
+                      [self = shared_from_this()](boost::system::error_code error) {
+                          if (!error) self->accept();
+                      });
+}
+
+void Acceptor::accept() {
+    if (!socket.is_open()) return;
+    Descriptor accepted = acceptFrom(socket.native_handle());
+    if (!accepted.isOpen()) {
+        switch (troubleOf(errno)) {
+        case Trouble::shortage:
+            return pause();
+        case Trouble::fatal:
+            return close();
+        default:
+            return wait();
+        }
+    }
+    // Another thread may accept the next one while this one is served.
+    wait();
+    auto connection = std::make_shared<Connection>(std::move(accepted), threads, folder);
+    boost::asio::defer(threads.handlers(),
+                       [connection = std::move(connection)] { connection->receive(); });
+}
+
+void Acceptor::pause() {
+    // The connection stays acceptable, so that waiting for it would spin.
+    pauseTimer.expires_after(pauseTime);
+    pauseTimer.async_wait([self = shared_from_this()](boost::system::error_code error) {
+        if (!error) self->wait();
+    });
+}
+
+void Acceptor::close() {
+    if (!socket.is_open()) return;
+    boost::system::error_code ignored;
+    pauseTimer.cancel();
+    socket.close(ignored);
+    running = false;
+}
+
+} // namespace brevane

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+namespace brevane {
+
+/// The most that one read takes from a connection.
+inline constexpr std::size_t receiveSize = 64 * 1024;
+/// Files up to this size are read by the handler itself, larger ones are mapped by a loader.
+inline constexpr std::size_t smallFileSize = 256 * 1024;
+
+/// The calling thread's buffer for bytes received, to be used up before the handler ends.
+[[nodiscard]] std::span<char> receiveBuffer();
+/// The calling thread's buffer for a small file, to be sent or copied before the handler ends.
+[[nodiscard]] std::span<char> fileBuffer();
+
+} // namespace brevane

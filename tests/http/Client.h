@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Descriptor.h"
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace brevane::test {
+
+enum class Family { ipv4, ipv6 };
+
+/// A connection to a local port, on blocking calls; every failure to connect throws.
+class Client {
+public:
+    explicit Client(std::int64_t port, Family family = Family::ipv4)
+        : socket(::socket(family == Family::ipv4 ? AF_INET : AF_INET6, SOCK_STREAM | SOCK_CLOEXEC,
+                          0)) {
+        const int on = 1;
+        ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        if (connectTo(static_cast<std::uint16_t>(port), family) != 0)
+            throw std::system_error(errno, std::generic_category(), "connect");
+    }
+
+    /// The number of bytes that could be sent before the server closed.
+    std::size_t send(std::string_view bytes) {
+        std::size_t sent = 0;
+        while (sent < bytes.size()) {
+            const auto count =
+                ::send(socket.get(), bytes.data() + sent, bytes.size() - sent, MSG_NOSIGNAL);
+            if (count < 0) break;
+            sent += static_cast<std::size_t>(count);
+        }
+        return sent;
+    }
+
+    /// Tells the server that nothing more will be sent.
+    void endSending() { ::shutdown(socket.get(), SHUT_WR); }
+
+    /// At most `most` bytes; empty at the end, also where it comes as a reset.
+    std::string receive(std::size_t most) {
+        std::string bytes(most, '\0');
+        const auto count = ::recv(socket.get(), bytes.data(), bytes.size(), 0);
+        bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+        return bytes;
+    }
+
+    /// All that comes until the end.
+    std::string receiveAll() {
+        std::string all;
+        for (;;) {
+            const std::string bytes = receive(256 * 1024);
+            if (bytes.empty()) return all;
+            all += bytes;
+        }
+    }
+
+    [[nodiscard]] int descriptor() const { return socket.get(); }
+    void close() { socket.close(); }
+
+private:
+    int connectTo(std::uint16_t port, Family family) {
+        if (family == Family::ipv4) {
+            sockaddr_in address{};
+            address.sin_family = AF_INET;
+            address.sin_port = htons(port);
+            address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+            return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
+                             sizeof address);
+        }
+        sockaddr_in6 address{};
+        address.sin6_family = AF_INET6;
+        address.sin6_port = htons(port);
+        address.sin6_addr = in6addr_loopback;
+        return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    }
+
+    Descriptor socket;
+};
+
+/// Everything that the server answers to the pieces of a request, sent one after the other.
+inline std::string answerTo(std::int64_t port, std::span<const std::string_view> pieces,
+                            Family family) {
+    Client client(port, family);
+    for (const std::string_view piece : pieces)
+        client.send(piece);
+    return client.receiveAll();
+}
+
+} // namespace brevane::test
