@@ -61,38 +61,31 @@ DoorbellSocket::~DoorbellSocket() {
     if (socket >= 0) close(socket);
 }
 
-bool DoorbellSocket::send(std::string_view name, std::string_view text) {
+bool DoorbellSocket::ring(std::string_view name) {
     const Address address(name);
-    return sendto(socket, text.data(), text.size(), MSG_NOSIGNAL, address.get(), address.size) >= 0;
+    return sendto(socket, nullptr, 0, MSG_NOSIGNAL, address.get(), address.size) == 0;
 }
 
-std::optional<DoorbellSocket::Message> DoorbellSocket::receive() {
+std::optional<std::string> DoorbellSocket::nextRing() {
     while (true) {
-        std::array<char, 4096> text;
-        iovec buffer{.iov_base = text.data(), .iov_len = text.size()};
         sockaddr_un sender{};
         alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(ucred))> control{};
         msghdr header{};
         header.msg_name = &sender;
         header.msg_namelen = sizeof sender;
-        header.msg_iov = &buffer;
-        header.msg_iovlen = 1;
         header.msg_control = control.data();
         header.msg_controllen = control.size();
-        const ssize_t size = recvmsg(socket, &header, MSG_CMSG_CLOEXEC);
-        if (size < 0) return std::nullopt;
+        if (recvmsg(socket, &header, MSG_CMSG_CLOEXEC) < 0) return std::nullopt;
         if (!isOwnUser(header)) continue;
         constexpr std::size_t start = offsetof(sockaddr_un, sun_path) + 1;
-        Message message{.text = {text.data(), static_cast<std::size_t>(size)}, .sender = {}};
-        if (header.msg_namelen > start)
-            message.sender.assign(sender.sun_path + 1, header.msg_namelen - start);
-        return message;
+        if (header.msg_namelen <= start) return "";
+        return std::string(sender.sun_path + 1, header.msg_namelen - start);
     }
 }
 
-bool DoorbellSocket::waitForMessage(std::chrono::milliseconds timeout) {
+bool DoorbellSocket::waitForRing(std::chrono::milliseconds timeout) {
     pollfd wait{.fd = socket, .events = POLLIN, .revents = 0};
-    return poll(&wait, 1, static_cast<int>(timeout.count())) > 0 && receive().has_value();
+    return poll(&wait, 1, static_cast<int>(timeout.count())) > 0 && nextRing().has_value();
 }
 
 } // namespace brevane

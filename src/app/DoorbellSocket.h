@@ -8,31 +8,27 @@
 
 namespace brevane {
 
-/// A datagram socket in Linux's abstract namespace (unix(7)) for short messages between programs of
-/// one user; what other users send is dropped. Never blocks but in `waitForMessage`.
+/// A datagram socket in Linux's abstract namespace (unix(7)) with which programs of one user ring
+/// for each other: messages are empty, and those of other users are dropped. Never blocks but in
+/// `waitForRing`.
 class DoorbellSocket {
 public:
-    struct Message {
-        std::string text;   ///< at most 4096 bytes; the rest is cut off
-        std::string sender; ///< name of the sender's socket
-    };
-
-    /// Under a name that the kernel picks, to send from and be answered at.
+    /// Under a name that the kernel picks, to ring from and be answered at.
     DoorbellSocket();
-    /// Under `name`. Where it is taken, nothing can be received and `descriptor` is -1.
+    /// Under `name`. Where it is taken, nobody can ring here and `descriptor` is -1.
     explicit DoorbellSocket(std::string_view name);
     ~DoorbellSocket();
     DoorbellSocket(const DoorbellSocket&) = delete;
     DoorbellSocket& operator=(const DoorbellSocket&) = delete;
 
-    /// Whether the message lies in the other socket's queue now.
-    bool send(std::string_view name, std::string_view text);
+    /// Whether the message lies in the queue of the socket with that name now.
+    bool ring(std::string_view name);
 
-    /// The next message, none if there is none yet.
-    [[nodiscard]] std::optional<Message> receive();
+    /// The name of the next one that has rung; none if nobody has.
+    [[nodiscard]] std::optional<std::string> nextRing();
 
-    /// Waits until something has arrived and says whether `receive` gave a message.
-    [[nodiscard]] bool waitForMessage(std::chrono::milliseconds timeout);
+    /// Waits until somebody has rung, takes that ring away and says whether there was one.
+    [[nodiscard]] bool waitForRing(std::chrono::milliseconds timeout);
 
     /// For waiting in an event loop.
     [[nodiscard]] int descriptor() const { return socket; }

@@ -43,7 +43,7 @@ SingleInstance::~SingleInstance() {
     if (folder >= 0) close(folder);
 }
 
-SingleInstance::Claim SingleInstance::claim(const std::string& activationToken) {
+SingleInstance::Claim SingleInstance::claim() {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     DoorbellSocket caller;
     bool asked = false;
@@ -54,21 +54,20 @@ SingleInstance::Claim SingleInstance::claim(const std::string& activationToken) 
             return Claim::first;
         }
         // Refused while the other one is between its lock and its socket.
-        asked = asked || caller.send(name, activationToken);
-        if (caller.waitForMessage(between)) return Claim::otherAsked;
+        asked = asked || caller.ring(name);
+        if (caller.waitForRing(between)) return Claim::otherAsked;
     } while (std::chrono::steady_clock::now() < deadline);
     return asked ? Claim::otherAsked : Claim::noAnswer;
 }
 
-void SingleInstance::onRaise(std::function<void(const std::string&)> raise) {
+void SingleInstance::onRaise(std::function<void()> raise) {
     if (!doorbell || doorbell->descriptor() < 0) return;
     notifier = std::make_unique<QSocketNotifier>(doorbell->descriptor(), QSocketNotifier::Read);
     QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
                      [this, raise = std::move(raise)] {
-                         while (const auto message = doorbell->receive()) {
-                             doorbell->send(message->sender, "");
-                             raise(message->text);
-                         }
+                         while (const auto caller = doorbell->nextRing())
+                             doorbell->ring(*caller);
+                         raise();
                      });
 }
 

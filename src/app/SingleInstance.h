@@ -30,14 +30,14 @@ public:
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
-    /// Takes the lock, or asks who has it to show its window, passing on the activation token
-    /// (XDG Activation) that this program was started with. Blocks a few seconds at most while the
-    /// other one starts, ends or is busy. Where the file system knows no locks everyone is first.
-    [[nodiscard]] Claim claim(const std::string& activationToken);
+    /// Takes the lock, or asks who has it to show its window. Blocks a few seconds at most while
+    /// the other one starts, ends or is busy. Where the file system knows no locks everyone is
+    /// first.
+    [[nodiscard]] Claim claim();
 
-    /// Calls `raise` with an activation token, or an empty text, whenever another program asks,
-    /// also for those that asked since the claim. From the event loop, for the one that is first.
-    void onRaise(std::function<void(const std::string& activationToken)> raise);
+    /// Calls `raise` from the event loop whenever another program asks, also for those that asked
+    /// since the claim. For the one that is first.
+    void onRaise(std::function<void()> raise);
 
 private:
     int folder = -1;

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+#include "CommandLine.h"
+#include "FileHTTPServer.h"
+#include "Preferences.h"
+#include "QtMainQueue.h"
+#include "QuitSignals.h"
+#include "SerialQueue.h"
+#include "Theme.h"
+
+#ifndef __APPLE__
+#include "FilePreferences.h"
+#include "SingleInstance.h"
+#endif
+
+#include <QApplication>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <iostream>
+#include <thread>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+using namespace brevane;
+
+/// The process ends after this time even if it could not end in order: a file server's thread may
+/// be waiting for a slow disk, and nothing can interrupt that. Nothing is lost by it, since the
+/// preferences are replaced in one step and commands have been ended by then.
+void endAtTheLatestIn(std::chrono::milliseconds time) {
+    std::thread([time] {
+        std::this_thread::sleep_for(time);
+        _exit(EXIT_SUCCESS);
+    }).detach();
+}
+
+int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaunched) {
+    QApplication::setApplicationName("Brevane");
+    QApplication::setDesktopFileName("com.brevane.brevane");
+    const QApplication application(argc, argv);
+    const QuitSignals quitSignals([] { QApplication::exit(); });
+    const Theme theme;
+
+    // What is below uses what is above, also from its threads: the order of ending is the reverse.
+    ServerPool pool;
+    const auto preferences = makeUserPreferences();
+    QtMainQueue mainQueue;
+    SerialQueue queue("tailscale");
+    AppDelegate delegate({mainQueue, queue, *preferences, pool});
+    delegate.applicationDidFinishLaunching();
+    hasLaunched(delegate);
+    const int status = QApplication::exec();
+    endAtTheLatestIn(std::chrono::milliseconds(1800));
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string_view> arguments(argv + 1, argv + argc);
+    if (const auto answer = answerCommandLine(arguments)) {
+        (answer->status == 0 ? std::cout : std::cerr) << answer->text;
+        return answer->status;
+    }
+    // A client that hangs up is an error of writing to it, and commands are waited for, whatever
+    // the program that started this one has set.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGCHLD, SIG_DFL);
+
+#ifdef __APPLE__
+    // The system itself starts an application only once.
+    return run(argc, argv, [](AppDelegate&) {});
+#else
+    SingleInstance instance(FilePreferences::defaultFile().parent_path());
+    switch (instance.claim()) {
+    case SingleInstance::Claim::otherAsked:
+        return EXIT_SUCCESS;
+    case SingleInstance::Claim::noAnswer:
+        std::cerr << "brevane: it is running already, but does not answer\n";
+        return EXIT_FAILURE;
+    case SingleInstance::Claim::first:
+        break;
+    }
+    return run(argc, argv,
+               [&](AppDelegate& delegate) { instance.onRaise([&] { delegate.activate(); }); });
+#endif
+}
