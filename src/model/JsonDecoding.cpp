@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "JsonDecoding.h"
 
+#include "JsonScan.h"
+
 namespace brevane {
 
 boost::json::parse_options strictJson() {
     boost::json::parse_options options;
-    options.max_depth = 512;
+    options.max_depth = maxJsonDepth;
     return options;
 }
 

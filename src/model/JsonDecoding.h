@@ -32,13 +32,18 @@ template <class Value>
     return true;
 }
 
+/// An optional value: null leaves the field empty.
+template <class Value>
+[[nodiscard]] bool read(const boost::json::value& value, std::optional<Value>& field) {
+    return value.is_null() || read(value, field.emplace());
+}
+
 /// An optional member: missing and null leave the field empty.
 template <class Value>
 [[nodiscard]] bool read(const boost::json::object& object, std::string_view key,
                         std::optional<Value>& field) {
     const auto* const value = object.if_contains(key);
-    if (value == nullptr || value->is_null()) return true;
-    return read(*value, field.emplace());
+    return value == nullptr || read(*value, field);
 }
 
 } // namespace brevane
