@@ -85,8 +85,11 @@ QWidget* AddServeView::makeOptionsSection() {
     // Under the box's title, not under the box.
     caption->setIndent(0);
     caption->setContentsMargins(theme().scaled(15) + Theme::near, 0, 0, 0);
-    section->add(background);
-    section->add(caption);
+    auto* titled = new QVBoxLayout;
+    titled->setSpacing(2);
+    titled->addWidget(background);
+    titled->addWidget(caption);
+    section->add(titled);
     return section;
 }
 

@@ -61,7 +61,7 @@ ConfirmationDialog::ConfirmationDialog(const QString& title, const QString& mess
 }
 
 void ConfirmationDialog::paintEvent(QPaintEvent*) {
-    QPainter(this).fillRect(rect(), theme().color(&Colors::window));
+    QPainter(this).fillRect(rect(), theme().color(&Colors::popup));
 }
 
 } // namespace brevane

@@ -18,13 +18,19 @@ ErrorBanner::ErrorBanner(QWidget* parent)
     auto* clear = new PushButton(PushButton::Kind::link, tr("Clear"));
     connect(clear, &PushButton::clicked, this, &ErrorBanner::clearRequested);
 
+    auto* warning =
+        new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), &Colors::orange, 12);
+    // All three stand on the line of the first words.
+    const int line = clear->sizeHint().height();
+    warning->setFixedHeight(line);
+    auto* words = new QVBoxLayout;
+    words->setContentsMargins(0, (line - text->fontMetrics().height()) / 2, 0, 0);
+    words->addWidget(text);
     auto* row = new QHBoxLayout(this);
-    row->setContentsMargins(Theme::headerPadding, 6, Theme::headerPadding - 4, 6);
+    row->setContentsMargins(Theme::headerPadding, 5, Theme::headerPadding - 4, 6);
     row->setSpacing(Theme::near);
-    row->addWidget(
-        new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), &Colors::orange, 12), 0,
-        Qt::AlignTop);
-    row->addWidget(text, 1, Qt::AlignVCenter);
+    row->addWidget(warning, 0, Qt::AlignTop);
+    row->addLayout(words, 1);
     row->addWidget(clear, 0, Qt::AlignTop);
     hide();
 }

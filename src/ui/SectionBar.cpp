@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "SectionBar.h"
 
-#include "Accessibility.h"
 #include "IconButton.h"
 #include "Label.h"
 #include "MenuDrawing.h"
@@ -16,7 +15,6 @@ namespace brevane {
 
 SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
     auto* more = new IconButton(QStringLiteral("ellipsis.circle"), tr("Reset Shares"));
-    setAccessibleRole(*more, QAccessible::ButtonMenu);
     auto* menu = new QMenu(more);
     menu->setFont(theme().font(TextStyle::body));
     const std::pair<QString, ResetTarget> items[] = {

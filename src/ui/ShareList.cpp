@@ -26,8 +26,8 @@ ShareList::ShareList(CopyAction copyAction, StopAction stopAction, QWidget* pare
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     viewport()->setAutoFillBackground(false);
-    viewport()->setAccessibleName(tr("Active Shares"));
     setAccessibleRole(*viewport(), QAccessible::List);
+    viewport()->setAccessibleName(tr("Active Shares"));
     connect(&theme(), &Theme::changed, this, &ShareList::layOut);
 }
 

@@ -24,6 +24,9 @@ public:
     /// Waits for the next task and runs it. False if none comes, which only a hanging test sees.
     bool runOne() { return loop->context.run_one_for(std::chrono::seconds(60)) == 1; }
 
+    /// Runs the tasks that are waiting now.
+    void runPending() { loop->context.poll(); }
+
     /// Drops the tasks that are waiting, as happens once the event loop has ended.
     void dropPending() { loop = std::make_unique<Loop>(); }
 

@@ -97,8 +97,8 @@ void many(Stage& stage) {
 void scrolled(Stage& stage) {
     many(stage);
     stage.settle();
-    auto* bar = stage.window.findChild<ShareList*>()->findChild<QScrollBar*>();
-    bar->setValue(ShareRowView::rowHeight() * 7);
+    stage.window.findChild<ShareList*>()->verticalScrollBar()->setValue(ShareRowView::rowHeight() *
+                                                                        7);
 }
 
 void error(Stage& stage) {

@@ -8,7 +8,7 @@ class QWidget;
 namespace brevane {
 
 /// Gives a widget another role than its class has, for screen readers. Its name stays the widget's
-/// accessible name. Called while the widget is being made, before anything asks for its role.
+/// accessible name. Called before the widget gets that name, with which its role becomes fixed.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
 /// Has the screen reader speak the accessible name of `widget`, which has just been shown or has

@@ -19,7 +19,17 @@ void Button::keyPressEvent(QKeyEvent* event) {
 }
 
 void Button::focusInEvent(QFocusEvent* event) {
-    focusedByKeyboard = event->reason() != Qt::MouseFocusReason;
+    switch (event->reason()) {
+    case Qt::MouseFocusReason:
+        focusedByKeyboard = false;
+        break;
+    // The window or a menu gives back what the button had.
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+        break;
+    default:
+        focusedByKeyboard = true;
+    }
     QAbstractButton::focusInEvent(event);
 }
 

@@ -34,7 +34,7 @@ void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item) {
     if (item.state & QStyle::State_Selected)
         drawRoundedBox(painter, item.rect.adjusted(1, 2, -1, -2), 5, Colors::thinned(c.text, 0.1));
     painter.setPen(c.text);
-    painter.drawText(item.rect, Qt::AlignCenter | Qt::TextShowMnemonic, item.text);
+    painter.drawText(item.rect, Qt::AlignCenter | Qt::TextHideMnemonic, item.text);
 }
 
 void drawMenuGround(QPainter& painter, const QStyleOption& option) {
@@ -69,7 +69,7 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWi
     }
     const QRect text = QStyle::visualRect(item.direction, box, box.adjusted(markWidth, 0, -14, 0));
     const auto parts = item.text.split(QLatin1Char('\t'));
-    painter.drawText(text, int(Qt::AlignVCenter | Qt::AlignLeft) | Qt::TextShowMnemonic,
+    painter.drawText(text, int(Qt::AlignVCenter | Qt::AlignLeft) | Qt::TextHideMnemonic,
                      parts.value(0));
     painter.drawText(text, Qt::AlignVCenter | Qt::AlignRight, parts.value(1));
 }

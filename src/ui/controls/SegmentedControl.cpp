@@ -8,6 +8,7 @@
 #include <QEasingCurve>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 
@@ -30,7 +31,6 @@ SegmentedControl::SegmentedControl(const QStringList& labels, QWidget* parent) :
         layout->addWidget(button, 1);
     }
     buttons.button(0)->setChecked(true);
-    slide.setDuration(150);
     slide.setEasingCurve(QEasingCurve::OutCubic);
     slide.setStartValue(0.0);
     slide.setEndValue(0.0);
@@ -50,7 +50,8 @@ void SegmentedControl::slideTo(int index) {
     slide.stop();
     slide.setStartValue(slide.currentValue());
     slide.setEndValue(static_cast<double>(index));
-    if (isVisible()) {
+    slide.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
+    if (isVisible() && slide.duration() > 0) {
         slide.start();
     } else {
         slide.setStartValue(static_cast<double>(index));

@@ -11,8 +11,8 @@ namespace brevane {
 
 Spinner::Spinner(int side, QWidget* parent) : QWidget(parent) {
     setFixedSize(side, side);
-    setAccessibleName(tr("Busy"));
     setAccessibleRole(*this, QAccessible::Animation);
+    setAccessibleName(tr("Busy"));
 }
 
 void Spinner::draw(QPainter& painter, const QRectF& box, int step, const QColor& color) {

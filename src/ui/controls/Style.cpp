@@ -108,6 +108,7 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
     case SH_ComboBox_Popup:
         return 1;
     case SH_EtchDisabledText:
+    case SH_UnderlineShortcut:
         return 0;
     // A click beside the handle goes there.
     case SH_ScrollBar_LeftClickAbsolutePosition:
