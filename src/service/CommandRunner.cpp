@@ -33,6 +33,8 @@ std::vector<std::string> childEnvironment(const std::string& searchPath) {
 CommandRunner::CommandRunner(Configuration values) : configuration(std::move(values)) {}
 
 CommandRunner::Result CommandRunner::runShellWithCode(const std::string& commandLine) const {
+    // It would be given a second to end in, each command anew, and quitting has two in all.
+    if (interrupted) return {.output = "", .status = -1};
     const ChildProcess shell{.executable = configuration.shell,
                              .arguments = {"-l", "-c", commandLine},
                              .environment = childEnvironment(configuration.searchPath)};
@@ -44,6 +46,11 @@ CommandRunner::Result CommandRunner::runShellWithCode(const std::string& command
     if (isUtf8(outcome->standardError)) output += outcome->standardError;
     return {.output = std::string(trimmedOfWhitespaceAndNewlines(output)),
             .status = outcome->status};
+}
+
+void CommandRunner::interrupt() {
+    interrupted = true;
+    stop.raise();
 }
 
 std::string CommandRunner::runShell(const std::string& commandLine) const {

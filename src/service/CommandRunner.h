@@ -4,6 +4,7 @@
 #include "ChildProcess.h"
 #include "Configuration.h"
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -17,7 +18,7 @@ public:
     /// What a command printed and how it ended.
     struct Result {
         std::string output;  ///< standard output, then standard error, trimmed at both ends
-        std::int32_t status; ///< exit status; -1 where the shell could not be started
+        std::int32_t status; ///< exit status; -1 where the shell was not started
     };
 
     explicit CommandRunner(Configuration configuration);
@@ -29,11 +30,13 @@ public:
     /// The output alone.
     [[nodiscard]] std::string runShell(const std::string& commandLine) const;
 
-    /// Ends the command that runs and every later one. Any thread.
-    void interrupt() { stop.raise(); }
+    /// Ends the command that runs; later ones are not started any more and have a status of -1. Any
+    /// thread.
+    void interrupt();
 
 private:
     Configuration configuration;
+    std::atomic<bool> interrupted = false;
     Interrupt stop;
 };
 
