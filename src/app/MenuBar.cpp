@@ -3,13 +3,35 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QObject>
 
 namespace brevane {
 
 namespace {
+
+/// A text field drops its selection, which the Edit items are about, when the keyboard goes to the
+/// menu bar. This tells the focused widget that it goes to a popup menu instead.
+class SelectionKeeper : public QObject {
+public:
+    explicit SelectionKeeper(QObject* parent) : QObject(parent) {
+        connect(qApp, &QApplication::focusChanged, this, [this](QWidget* old, QWidget* now) {
+            if (old != nullptr) old->removeEventFilter(this);
+            if (now != nullptr) now->installEventFilter(this);
+        });
+    }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() != QEvent::FocusOut ||
+            static_cast<QFocusEvent*>(event)->reason() != Qt::MenuBarFocusReason)
+            return false;
+        QFocusEvent leaving(QEvent::FocusOut, Qt::PopupFocusReason);
+        return watched->event(&leaving);
+    }
+};
 
 QAction* addItem(QMenu& menu, const QString& text, const QKeySequence& key,
                  const std::function<void()>& act) {
@@ -37,6 +59,8 @@ void addEditItem(QMenu& menu, const QString& text, Qt::KeyboardModifiers modifie
 
 void fillMenuBar(QMenuBar& bar, const std::function<void()>& showAbout,
                  const std::function<void()>& quit) {
+    new SelectionKeeper(&bar);
+
     QMenu& application = *bar.addMenu("&Brevane");
     addItem(application, "&About Brevane", {}, showAbout)->setMenuRole(QAction::AboutRole);
     application.addSeparator();

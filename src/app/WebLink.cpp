@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "WebLink.h"
 
-#include "Accessibility.h"
 #include "Color.h"
 #include "Painting.h"
 #include "Theme.h"
@@ -26,7 +25,6 @@ QFont linkFont() {
 WebLink::WebLink(const QString& text, const QUrl& site, QWidget* parent) : QAbstractButton(parent) {
     setText(text);
     setAccessibleName(text);
-    setAccessibleRole(*this, QAccessible::Link);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     connect(this, &QAbstractButton::clicked, this, [site] { QDesktopServices::openUrl(site); });
