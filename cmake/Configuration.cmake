@@ -13,10 +13,9 @@ set(BREVANE_SEARCH_PATH /usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin
 # The executable stands unquoted in a command line, so the shell must take it for one plain word.
 string(REGEX REPLACE "[A-Za-z0-9_./+,:@%-]" "" unsafe "${BREVANE_TAILSCALE_BIN}")
 if(NOT unsafe STREQUAL "")
-  string(SUBSTRING "${unsafe}" 0 1 character)
   message(FATAL_ERROR
-    "BREVANE_TAILSCALE_BIN holds the character '${character}', which the shell may split or "
-    "interpret: ${BREVANE_TAILSCALE_BIN}\nChoose a path of letters, digits and _ . / + , : @ % - only.")
+    "BREVANE_TAILSCALE_BIN holds '${unsafe}', which the shell may split or interpret: "
+    "${BREVANE_TAILSCALE_BIN}\nChoose a path of letters, digits and _ . / + , : @ % - only.")
 endif()
 if(NOT BREVANE_TAILSCALE_BIN MATCHES "^/")
   message(FATAL_ERROR "BREVANE_TAILSCALE_BIN must be an absolute path: '${BREVANE_TAILSCALE_BIN}'")
