@@ -15,6 +15,7 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace brevane {
@@ -145,14 +146,28 @@ void AddServeView::layOut() {
     scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidget(content);
     content->setAutoFillBackground(false);
+    // The bar takes its place out of the padding, so that fields are as wide with it as without.
+    auto* bar = scroll->verticalScrollBar();
+    auto* edge = Surface::makeDivider();
+    QSizePolicy keepsItsPlace = edge->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    edge->setSizePolicy(keepsItsPlace);
+    edge->hide();
+    connect(bar, &QScrollBar::rangeChanged, form, [form, bar, edge](int, int maximum) {
+        edge->setVisible(maximum > 0);
+        QMargins margins = form->contentsMargins();
+        margins.setRight(Theme::formPadding - (maximum > 0 ? bar->sizeHint().width() : 0));
+        form->setContentsMargins(margins);
+    });
     scroll->viewport()->setAutoFillBackground(false);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, Theme::formPadding);
-    column->setSpacing(Theme::near);
+    column->setSpacing(0);
     column->addWidget(scroll, 1);
+    column->addWidget(edge);
     auto* footer = new QVBoxLayout;
-    footer->setContentsMargins(Theme::formPadding, 0, Theme::formPadding, 0);
+    footer->setContentsMargins(Theme::formPadding, Theme::near + 2, Theme::formPadding, 0);
     footer->addWidget(startButton);
     column->addLayout(footer);
 }

@@ -5,6 +5,8 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
 #include <QMenuBar>
 #include <QPainter>
 
@@ -31,6 +33,12 @@ Stage::~Stage() {
 void Stage::settle() {
     for (int turn = 0; turn < 8; ++turn)
         QApplication::processEvents();
+}
+
+void Stage::comeToRest() {
+    constexpr int longerThanAnyAnimationMs = 300;
+    for (const QDeadlineTimer end(longerThanAnyAnimationMs); !end.hasExpired();)
+        QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
 bool Stage::isNamed(const QWidget& widget, const QString& text) {

@@ -33,6 +33,8 @@ public:
 
     /// Lets everything that is queued happen.
     static void settle();
+    /// Lets everything that moves come to its end.
+    static void comeToRest();
 
     template <class Widget>
     [[nodiscard]] Widget& find(const QString& accessibleName) {

@@ -41,7 +41,7 @@ int main(int argc, char** argv) {
             if (!chosen.isEmpty() && !chosen.contains(scene.name)) continue;
             Stage stage;
             scene.enter(stage);
-            Stage::settle();
+            Stage::comeToRest();
             const QString name =
                 scene.name + (dark ? QStringLiteral("-dark") : QStringLiteral("-light"));
             for (const int ratio : {1, 2}) {

@@ -8,11 +8,10 @@
 
 namespace brevane {
 
-SegmentButton::SegmentButton(const QString& label, QWidget* parent) : QAbstractButton(parent) {
+SegmentButton::SegmentButton(const QString& label, QWidget* parent) : Button(parent) {
     setText(label);
     setCheckable(true);
     setAutoExclusive(true);
-    setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setFont(theme().font(TextStyle::rowTitle));
     connect(&theme(), &Theme::changed, this,
@@ -27,7 +26,7 @@ void SegmentButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(theme().color(isChecked() ? &Colors::text : &Colors::secondary));
     painter.drawText(rect(), Qt::AlignCenter, text());
-    if (hasFocus()) drawFocusRing(painter, rect(), Theme::cornerRadius - 1);
+    if (showsFocus()) drawFocusRing(painter, rect(), Theme::cornerRadius - 1);
 }
 
 } // namespace brevane

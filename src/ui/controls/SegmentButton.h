@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QAbstractButton>
+#include "Button.h"
 
 namespace brevane {
 
 /// One choice of a segmented control. The control draws the ground that moves under the choices.
-class SegmentButton : public QAbstractButton {
+class SegmentButton : public Button {
     Q_OBJECT
 public:
     explicit SegmentButton(const QString& label, QWidget* parent = nullptr);

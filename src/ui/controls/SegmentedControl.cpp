@@ -27,19 +27,22 @@ SegmentedControl::SegmentedControl(const QStringList& labels, QWidget* parent) :
     layout->setSpacing(0);
     for (int index = 0; index < labels.size(); ++index) {
         auto* button = new SegmentButton(labels[index], this);
+        button->setFocusPolicy(Qt::NoFocus);
         buttons.addButton(button, index);
         layout->addWidget(button, 1);
     }
-    buttons.button(0)->setChecked(true);
     slide.setEasingCurve(QEasingCurve::OutCubic);
     slide.setStartValue(0.0);
     slide.setEndValue(0.0);
     connect(&slide, &QVariantAnimation::valueChanged, this, [this] { update(); });
     connect(&buttons, &QButtonGroup::idToggled, this, [this](int index, bool checked) {
+        // The whole control is one stop of the keyboard; arrows go on from there.
+        buttons.button(index)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
         if (!checked) return;
         slideTo(index);
         Q_EMIT currentIndexChanged(index);
     });
+    buttons.button(0)->setChecked(true);
 }
 
 void SegmentedControl::setCurrentIndex(int index) {

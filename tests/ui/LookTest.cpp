@@ -1,0 +1,277 @@
+// SPDX-License-Identifier: MIT
+#include "WindowTest.h"
+
+#include "Label.h"
+#include "SectionHeader.h"
+#include "SegmentButton.h"
+#include "Theme.h"
+
+#include <QImage>
+#include <QScrollArea>
+#include <QTextEdit>
+
+#include <cmath>
+#include <map>
+
+namespace brevane::test {
+namespace {
+
+class LookTest : public WindowTest {
+protected:
+    void SetUp() override {}
+    void TearDown() override {
+        view.reset();
+        const_cast<Theme&>(theme()).setDark(false);
+        QApplication::setFont(usual);
+    }
+
+    // The window with as much in it as it can have at once.
+    void open(QSize size) {
+        changesDo("exit 1");
+        WindowTest::SetUp();
+        view->resize(size);
+        service->isConnected.set(true);
+        service->dnsName.set("h.tail.ts.net");
+        service->isLoading.set(true);
+        publish({entry("/a"), entry("/b", true, 8443)});
+        auto* picker = find<PopUp>("Source Type");
+        picker->setCurrentIndex(picker->findText("HTTPS (self-signed)"));
+        find<QLineEdit>("Local HTTPS Port")->setText("8443");
+        settle();
+        press("Start Serve");
+        ASSERT_TRUE(until([&] { return shows("Command failed (exit 1)"); }));
+        view->showToast("URL copied!");
+        settle();
+    }
+
+    struct Text {
+        std::string what;
+        QWidget* widget;
+        QRect where; ///< in the widget
+    };
+    // Every piece of text that can be read.
+    std::vector<Text> texts() {
+        std::vector<Text> found;
+        for (auto* widget : view->findChildren<QWidget*>()) {
+            if (!widget->isVisible() || !widget->isEnabled()) continue;
+            const QRect inside = widget->rect().adjusted(4, 4, -4, -4);
+            if (auto* label = qobject_cast<Label*>(widget); label && !label->text().isEmpty())
+                found.push_back({label->text().toStdString(), widget, widget->rect()});
+            else if (auto* edit = qobject_cast<QTextEdit*>(widget))
+                found.push_back({edit->toPlainText().toStdString(), widget, widget->rect()});
+            else if (auto* field = qobject_cast<QLineEdit*>(widget))
+                found.push_back({"field " + field->text().toStdString(), widget, inside});
+            else if (auto* box = qobject_cast<QCheckBox*>(widget))
+                found.push_back({box->text().toStdString(), widget, inside.adjusted(20, 0, 0, 0)});
+            else if (auto* popUp = qobject_cast<PopUp*>(widget))
+                found.push_back(
+                    {popUp->currentText().toStdString(), widget, inside.adjusted(0, 0, -28, 0)});
+            else if (auto* push = qobject_cast<QAbstractButton*>(widget);
+                     push && !push->text().isEmpty())
+                found.push_back({push->text().toStdString(), widget, inside});
+            else if (auto* share = qobject_cast<ShareRowView*>(widget)) {
+                const auto parts = share->geometryOfParts();
+                found.push_back({"address", widget, parts.url});
+                found.push_back({"detail", widget, parts.detail});
+                if (!parts.tag.isEmpty())
+                    found.push_back({"PUBLIC", widget, parts.tag.adjusted(1, 1, -1, -1)});
+            } else if (qobject_cast<SectionHeader*>(widget)) {
+                found.push_back({"section", widget, widget->rect().adjusted(46, 0, 0, 0)});
+            }
+        }
+        return found;
+    }
+
+    static double luminance(QRgb color) {
+        const auto linear = [](int channel) {
+            const double value = channel / 255.0;
+            return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * linear(qRed(color)) + 0.7152 * linear(qGreen(color)) +
+               0.0722 * linear(qBlue(color));
+    }
+    static double contrast(QRgb one, QRgb other) {
+        const double a = luminance(one);
+        const double b = luminance(other);
+        return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+    }
+    // Between the ground, which most pixels have, and the pixel that stands out from it most.
+    static double contrastIn(const QImage& image) {
+        std::map<QRgb, int> counts;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                ++counts[image.pixel(x, y)];
+        const auto byCount = [](const auto& a, const auto& b) { return a.second < b.second; };
+        const QRgb ground = std::ranges::max_element(counts, byCount)->first;
+        double most = 1;
+        for (const auto& [color, count] : counts)
+            most = std::max(most, contrast(ground, color));
+        return most;
+    }
+
+    void expectReadable() {
+        constexpr int ratio = 4;
+        QImage image(view->size() * ratio, QImage::Format_RGB32);
+        image.setDevicePixelRatio(ratio);
+        view->render(&image);
+        for (const Text& text : texts()) {
+            const QRect seen =
+                QRect(text.widget->mapTo(view.get(), text.where.topLeft()), text.where.size())
+                    .intersected(visiblePart(*text.widget));
+            if (seen.width() < 4 || seen.height() < 4) continue;
+            const QRect pixels(seen.topLeft() * ratio, seen.size() * ratio);
+            EXPECT_GE(contrastIn(image.copy(pixels)), 4.5) << text.what;
+        }
+    }
+    // What of a widget is not scrolled out of view.
+    QRect visiblePart(const QWidget& widget) {
+        for (auto* area : view->findChildren<QAbstractScrollArea*>())
+            if (area->isAncestorOf(&widget) && area != &widget)
+                return {area->viewport()->mapTo(view.get(), QPoint()), area->viewport()->size()};
+        return view->rect();
+    }
+
+    void expectNothingClipped() {
+        for (auto* widget : view->findChildren<QWidget*>()) {
+            if (!widget->isVisible()) continue;
+            const QWidget* parent = widget->parentWidget();
+            const bool scrolls = parent->objectName() == "qt_scrollarea_viewport";
+            const std::string name = widget->metaObject()->className() + std::string(" ") +
+                                     widget->accessibleName().toStdString();
+            if (!scrolls) {
+                // Qt places a mirrored splitter's panes one pixel off.
+                EXPECT_TRUE(parent->rect().adjusted(0, 0, 1, 0).contains(widget->geometry()))
+                    << name;
+            }
+            if (const auto* label = qobject_cast<Label*>(widget)) {
+                const auto flags = label->wordWrap() ? Qt::TextWordWrap : 0;
+                QRect needed = label->fontMetrics().boundingRect(QRect(0, 0, label->width(), 9999),
+                                                                 flags, label->shownText());
+                // Of one line that measure is rounded up past the font's own height.
+                if (!label->wordWrap() && !label->text().contains(u'\n'))
+                    needed.setHeight(label->fontMetrics().height());
+                EXPECT_LE(needed.height(), label->height()) << label->text().toStdString();
+                EXPECT_LE(needed.width(), label->width()) << label->text().toStdString();
+            } else if (const auto* push = qobject_cast<QAbstractButton*>(widget)) {
+                EXPECT_LE(push->sizeHint().height(), push->height()) << name;
+                EXPECT_LE(push->fontMetrics().horizontalAdvance(push->text()), push->width())
+                    << push->text().toStdString();
+            } else if (qobject_cast<QLineEdit*>(widget) || qobject_cast<PopUp*>(widget)) {
+                EXPECT_GE(widget->height(), widget->fontMetrics().height() + 4) << name;
+            }
+        }
+        for (const auto* area : view->findChildren<QScrollArea*>())
+            EXPECT_LE(area->widget()->width(), area->viewport()->width());
+        for (std::size_t i = 0; i < 2; ++i) {
+            const auto* share = row(i);
+            if (share == nullptr) continue;
+            const auto parts = share->geometryOfParts();
+            EXPECT_LE(parts.detail.bottom(), share->height() - 10);
+            EXPECT_GE(parts.url.top(), 10 - 1);
+            EXPECT_GT(parts.url.width(), 20);
+        }
+    }
+
+    static QFont scaledFont(double factor, int stretch = 100) {
+        QFont font = QApplication::font();
+        font.setPointSizeF(10 * factor);
+        font.setStretch(stretch);
+        return font;
+    }
+
+    const QFont usual = QApplication::font();
+};
+
+TEST_F(LookTest, TextReachesAContrastOfFourAndAHalfInLight) {
+    open({800, 614});
+    expectReadable();
+}
+
+TEST_F(LookTest, TextReachesAContrastOfFourAndAHalfInDark) {
+    const_cast<Theme&>(theme()).setDark(true);
+    open({800, 614});
+    expectReadable();
+}
+
+TEST_F(LookTest, TextOfAFunnelReachesAContrastOfFourAndAHalfInBoth) {
+    open({800, 900});
+    press("Funnel");
+    expectReadable();
+    const_cast<Theme&>(theme()).setDark(true);
+    settle();
+    expectReadable();
+}
+
+TEST_F(LookTest, TheWindowRepaintsWhenTheDesktopTurnsDark) {
+    open({800, 614});
+    const QRgb light = view->grab().toImage().pixel(5, 5);
+    const_cast<Theme&>(theme()).setDark(true);
+    settle();
+    const QRgb dark = view->grab().toImage().pixel(5, 5);
+    EXPECT_EQ(light, Colors::light().pane.rgb());
+    EXPECT_EQ(dark, Colors::dark().pane.rgb());
+}
+
+TEST_F(LookTest, NothingIsClippedInTheUsualWindow) {
+    open({800, 614});
+    expectNothingClipped();
+}
+
+TEST_F(LookTest, NothingIsClippedInTheSmallestWindow) {
+    open({640, 474});
+    expectNothingClipped();
+}
+
+TEST_F(LookTest, NothingIsClippedWithAFontAThirdWider) {
+    QApplication::setFont(scaledFont(1, 130));
+    open({640, 474});
+    expectNothingClipped();
+}
+
+TEST_F(LookTest, NothingIsClippedAtTwiceTheFontSize) {
+    QApplication::setFont(scaledFont(2));
+    open({800, 614});
+    expectNothingClipped();
+}
+
+TEST_F(LookTest, NothingIsClippedAtTwiceTheFontSizeInTheSmallestWindow) {
+    QApplication::setFont(scaledFont(2));
+    open({640, 474});
+    expectNothingClipped();
+}
+
+TEST_F(LookTest, AFontSizeThatChangesWhileRunningIsFollowed) {
+    open({800, 614});
+    const int before = row(0)->height();
+    QApplication::setFont(scaledFont(2));
+    settle();
+    EXPECT_GT(row(0)->height(), before);
+    expectNothingClipped();
+}
+
+TEST_F(LookTest, ALongNameIsShortenedInTheMiddleAndShowsWholeInItsTooltip) {
+    open({640, 474});
+    const QString name = QString(120, u'n') + ".ts.net";
+    service->dnsName.set(name.toStdString());
+    settle();
+    for (const auto* label : view->findChildren<Label*>()) {
+        if (!label->text().startsWith("nnnn")) continue;
+        EXPECT_TRUE(label->shownText().contains(u'…'));
+        EXPECT_TRUE(label->shownText().startsWith("nn"));
+        EXPECT_TRUE(label->shownText().endsWith(".net"));
+        EXPECT_EQ(label->toolTip(), label->text());
+        return;
+    }
+    FAIL() << "the status line is nowhere";
+}
+
+TEST_F(LookTest, MirroredForRightToLeftNothingIsClipped) {
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    open({800, 614});
+    expectNothingClipped();
+    EXPECT_GT(row(0)->geometryOfParts().badge.left(), row(0)->stopButton()->geometry().right());
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+}
+
+} // namespace
+} // namespace brevane::test

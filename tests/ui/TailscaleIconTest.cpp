@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "TailscaleIcon.h"
+
+#include <gtest/gtest.h>
+
+#include <QIcon>
+#include <QImage>
+
+#include <algorithm>
+
+namespace brevane::test {
+namespace {
+
+QImage pictureOf(int size) {
+    TailscaleIcon icon(size);
+    EXPECT_EQ(icon.size(), QSize(size, size));
+    QImage image(icon.size(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    icon.render(&image, {}, {}, QWidget::DrawChildren);
+    return image;
+}
+
+TEST(TailscaleIcon, WithoutTheApplicationAFallbackIsDrawn) {
+    QIcon::setThemeName("no-such-theme");
+    ASSERT_TRUE(TailscaleIcon::installed().isNull());
+    const QImage image = pictureOf(100);
+    const QColor ground(0, 107, 191);
+    // The corners are round by 22 of 100, so the very corner is empty and the edge's middle is not.
+    EXPECT_EQ(image.pixelColor(1, 1).alpha(), 0);
+    EXPECT_EQ(image.pixelColor(5, 5).alpha(), 0);
+    EXPECT_EQ(image.pixelColor(50, 2), ground);
+    EXPECT_EQ(image.pixelColor(8, 8), ground);
+    // The symbol's dot.
+    EXPECT_EQ(image.pixelColor(50, 50), QColor(Qt::white));
+}
+
+TEST(TailscaleIcon, TheFallbacksSymbolKeepsWithinTheMiddle) {
+    const QImage image = pictureOf(100);
+    int left = 100;
+    int right = 0;
+    for (int x = 0; x < 100; ++x)
+        for (int y = 0; y < 100; ++y)
+            if (image.pixelColor(x, y).red() > 128 && image.pixelColor(x, y).alpha() == 255) {
+                left = std::min(left, x);
+                right = std::max(right, x);
+            }
+    EXPECT_GT(left, 20);
+    EXPECT_LT(right, 80);
+    EXPECT_NEAR(left, 99 - right, 2);
+}
+
+} // namespace
+} // namespace brevane::test
