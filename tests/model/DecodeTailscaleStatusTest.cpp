@@ -130,6 +130,13 @@ TEST(DecodeTailscaleStatus, UnknownMembersOfSelfArePassedOver) {
     EXPECT_EQ(status->selfNode->HostName, "n");
 }
 
+TEST(DecodeTailscaleStatus, ANumberTooLargeToHoldFailsInSelfButNotElsewhere) {
+    const std::string number = "1e99999999999";
+    EXPECT_TRUE(decodeTailscaleStatus(R"({"BackendState":"Running","Peer":)" + number + "}"));
+    EXPECT_FALSE(
+        decodeTailscaleStatus(R"({"BackendState":"Running","Self":{"x":)" + number + "}}"));
+}
+
 TEST(DecodeTailscaleStatus, BadDocumentsFail) {
     for (const auto& [what, document] : test::badDocuments(runningNode))
         EXPECT_FALSE(decodeTailscaleStatus(document)) << what;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "EntryExtraction.h"
 
+#include "EntryLines.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,7 +10,7 @@
 #include <vector>
 
 using namespace brevane;
-using HandlerType = ServeEntry::HandlerType;
+using test::entryLines;
 
 namespace {
 
@@ -17,18 +19,6 @@ std::vector<ServeEntry> entriesOf(std::string_view document,
     const auto config = decodeServeConfig(document);
     EXPECT_TRUE(config) << document;
     return config ? extractEntries(*config, dnsName) : std::vector<ServeEntry>{};
-}
-
-/// One line per row: mode, host and port, path, kind, target, and whether it runs in the
-/// background.
-std::vector<std::string> linesOf(const std::vector<ServeEntry>& entries) {
-    std::vector<std::string> lines;
-    for (const ServeEntry& entry : entries)
-        lines.push_back((entry.isFunnel ? "funnel " : "serve ") + entry.hostPort + " " +
-                        entry.urlPath + " " + std::string(rawValue(entry.handlerType)) + " '" +
-                        entry.handlerDetail +
-                        (entry.isBackground ? "' background" : "' foreground"));
-    return lines;
 }
 
 using Lines = std::vector<std::string>;
@@ -49,7 +39,7 @@ TEST(ExtractEntries, AWebServerWithoutHandlersGivesNoRow) {
 
 TEST(ExtractEntries, TwoHandlersGiveTwoRowsOfOneHostPort) {
     EXPECT_EQ(
-        linesOf(entriesOf(
+        entryLines(entriesOf(
             R"({"Web":{"h:443":{"Handlers":{"/":{"Proxy":"http://127.0.0.1:1"},"/b":{"Text":"hi"}}}}})")),
         (Lines{"serve h:443 / Port Proxy 'http://127.0.0.1:1' background",
                "serve h:443 /b Text 'hi' background"}));
@@ -57,7 +47,7 @@ TEST(ExtractEntries, TwoHandlersGiveTwoRowsOfOneHostPort) {
 
 TEST(ExtractEntries, ProxyWinsOverPathAndPathOverText) {
     EXPECT_EQ(
-        linesOf(
+        entryLines(
             entriesOf(R"({"Web":{"h:443":{"Handlers":{)"
                       R"("/1":{"Proxy":"p","Path":"f","Text":"t"},"/2":{"Path":"f","Text":"t"},)"
                       R"("/3":{"Text":"t"},"/4":{"Proxy":"","Path":"f"}}}}})")),
@@ -67,15 +57,15 @@ TEST(ExtractEntries, ProxyWinsOverPathAndPathOverText) {
 }
 
 TEST(ExtractEntries, AHandlerOfUnknownKindIsAProxyWithoutTarget) {
-    EXPECT_EQ(linesOf(entriesOf(R"({"Web":{"h:443":{"Handlers":{"/":{"Redirect":"301:x"}}}}})")),
+    EXPECT_EQ(entryLines(entriesOf(R"({"Web":{"h:443":{"Handlers":{"/":{"Redirect":"301:x"}}}}})")),
               (Lines{"serve h:443 / Port Proxy '' background"}));
 }
 
 TEST(ExtractEntries, ATcpForwardIsListedUnderTheDnsName) {
     const std::string_view document = R"({"TCP":{"22":{"TCPForward":"localhost:22"}}})";
-    EXPECT_EQ(linesOf(entriesOf(document)),
+    EXPECT_EQ(entryLines(entriesOf(document)),
               (Lines{"serve n.ts.net:22 / TCP Forward 'localhost:22' background"}));
-    EXPECT_EQ(linesOf(entriesOf(document, "")),
+    EXPECT_EQ(entryLines(entriesOf(document, "")),
               (Lines{"serve :22 / TCP Forward 'localhost:22' background"}));
 }
 
@@ -84,21 +74,21 @@ TEST(ExtractEntries, ATcpPortWithoutForwardGivesNoRow) {
 }
 
 TEST(ExtractEntries, ATcpForwardIsFunnelledUnderTheFormedHostPort) {
-    EXPECT_EQ(
-        linesOf(entriesOf(R"({"TCP":{"22":{"TCPForward":"a"},"23":{"TCPForward":"b"}},)"
-                          R"("AllowFunnel":{"n.ts.net:22":true,"n.ts.net:23":false,"23":true}})")),
-        (Lines{"serve n.ts.net:23 / TCP Forward 'b' background",
-               "funnel n.ts.net:22 / TCP Forward 'a' background"}));
+    EXPECT_EQ(entryLines(entriesOf(
+                  R"({"TCP":{"22":{"TCPForward":"a"},"23":{"TCPForward":"b"}},)"
+                  R"("AllowFunnel":{"n.ts.net:22":true,"n.ts.net:23":false,"23":true}})")),
+              (Lines{"serve n.ts.net:23 / TCP Forward 'b' background",
+                     "funnel n.ts.net:22 / TCP Forward 'a' background"}));
 }
 
 TEST(ExtractEntries, AForegroundRowAsksItsOwnFunnelMapOnly) {
     const std::string web = R"("Web":{"h:443":{"Handlers":{"/":{"Text":"t"}}}})";
     const std::string funnel = R"("AllowFunnel":{"h:443":true})";
     EXPECT_EQ(
-        linesOf(entriesOf("{" + web + "," + funnel + R"(,"Foreground":{"s":{)" + web + "}}}")),
+        entryLines(entriesOf("{" + web + "," + funnel + R"(,"Foreground":{"s":{)" + web + "}}}")),
         (Lines{"serve h:443 / Text 't' foreground", "funnel h:443 / Text 't' background"}));
     EXPECT_EQ(
-        linesOf(entriesOf("{" + web + R"(,"Foreground":{"s":{)" + web + "," + funnel + "}}}")),
+        entryLines(entriesOf("{" + web + R"(,"Foreground":{"s":{)" + web + "," + funnel + "}}}")),
         (Lines{"serve h:443 / Text 't' background", "funnel h:443 / Text 't' foreground"}));
 }
 
@@ -108,7 +98,7 @@ TEST(ExtractEntries, ForegroundTcpForwardsAreNotListed) {
 
 TEST(ExtractEntries, TheFunnelledRowIsLastAndTheOthersKeepTheirOrder) {
     EXPECT_EQ(
-        linesOf(entriesOf(
+        entryLines(entriesOf(
             R"({"Foreground":{"s":{"Web":{"h:9":{"Handlers":{"/":{"Text":"f"}}}}}},)"
             R"("TCP":{"22":{"TCPForward":"x"}},)"
             R"("AllowFunnel":{"h:1":true},)"

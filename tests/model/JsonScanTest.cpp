@@ -34,9 +34,16 @@ std::optional<Members> membersOf(std::string_view document) {
     return members;
 }
 
-bool isObjectToBoost(std::string_view document) {
+/// What Boost says of the document: nothing, if it is an object.
+json::error_code boostError(std::string_view document) {
     json::error_code error;
-    return json::parse(document, error, {}, strictJson()).is_object() && !error;
+    const json::value value = json::parse(document, error, {}, strictJson());
+    if (!error && !value.is_object()) error = json::error::not_object;
+    return error;
+}
+
+bool isObjectToBoost(std::string_view document) {
+    return !boostError(document);
 }
 
 /// Calls `use` with every sequence of `length` pieces.
@@ -159,5 +166,8 @@ RC_GTEST_PROP(ScanJsonObject, AgreesWithBoostOnDamagedDocuments, ()) {
         }
         if (document.empty()) break;
     }
-    RC_ASSERT(membersOf(document).has_value() == isObjectToBoost(document));
+    const json::error_code error = boostError(document);
+    // Boost has to hold a number; to the scanner its digits are enough.
+    RC_PRE(error != json::error::exponent_overflow);
+    RC_ASSERT(membersOf(document).has_value() == !error);
 }
