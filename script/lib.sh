@@ -57,14 +57,48 @@ go_is_new_enough() {
     printf '%s\n%s\n' "$(required_go)" "${version#go}" | sort --version-sort --check=quiet
 }
 
-# build PRESET [--target NAME]...: configures and builds one preset; a second call takes about a second.
-build() {
-    local preset=$1 log=build/$1-configure.log
-    shift
+# configure PRESET [ARGUMENT...]: configures a preset, with more arguments for cmake if need be.
+configure() {
+    local log=build/configure.log
     mkdir -p build
-    cmake --preset "$preset" >"$log" 2>&1 || {
+    cmake --preset "$@" >"$log" 2>&1 || {
         cat "$log" >&2
-        fail "configuring the preset '$preset' failed, see above"
+        fail "configuring the preset '$1' failed, see above"
     }
-    cmake --build --preset "$preset" "$@" >&2 || fail "building the preset '$preset' failed, see above"
+}
+
+# build FOLDER [ARGUMENT...]: builds what has been configured there; takes no time where nothing changed.
+build() {
+    local -a quiet=()
+    [[ -t 2 ]] || quiet=(-- --quiet)
+    cmake --build "$@" "${quiet[@]}" >&2 || fail "building in $1 failed, see above"
+}
+
+# Programs of the loopback tailnet: tailnet, tailscale and tailscaled.
+tailnet_programs=$project_root/build/tailnet
+
+# build_tailnet: builds them where they are missing or older than their sources.
+build_tailnet() {
+    use_go || fail "there is no Go that is new enough"
+    tools/tailnet/build.sh --output "$tailnet_programs" || fail "building the loopback tailnet failed, see above"
+}
+
+# tailnet_folder NAME: where a loopback tailnet of this project lives. The program is built for the
+# command in it, whose path must be plain words for a shell: the temporary folder where ours is not.
+tailnet_folder() {
+    local folder=$project_root/build/tailnet-$1
+    if [[ $folder == *[^A-Za-z0-9_./+,:@%-]* ]]; then
+        folder=${TMPDIR:-/tmp}/brevane-$UID-$(cksum <<<"$project_root" | cut -d ' ' -f 1)-$1
+        [[ -d $folder ]] || mkdir -m 700 "$folder"
+        [[ -O $folder ]] || fail "$folder belongs to someone else"
+    fi
+    echo "$folder"
+}
+
+# project_files PATTERN...: the files of these kinds that are ours, one a line, sorted.
+project_files() {
+    local -a names=()
+    local pattern
+    for pattern in "$@"; do names+=(-o -name "$pattern"); done
+    find . \( -path ./build -o -path ./.git -o -path ./.cache \) -prune -o -type f \( "${names[@]:1}" \) -print | sort
 }
