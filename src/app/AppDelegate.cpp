@@ -34,7 +34,7 @@ void setApplicationIcon() {
 AppDelegate::AppDelegate(const Environment& given) : environment(given) {}
 
 AppDelegate::~AppDelegate() {
-    if (service) service->interruptCommands();
+    interruptCommands();
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
@@ -59,6 +59,10 @@ void AppDelegate::applicationDidFinishLaunching() {
 
 void AppDelegate::activate() {
     bringToFront(*window);
+}
+
+void AppDelegate::interruptCommands() {
+    if (service) service->interruptCommands();
 }
 
 void AppDelegate::showAboutWindow() {

@@ -41,6 +41,9 @@ public:
     /// Brings the main window to the front.
     void activate();
 
+    /// Ends the command under way; no other is started any more.
+    void interruptCommands();
+
     /// The menu item.
     void showAbout() { showAboutWindow(); }
 

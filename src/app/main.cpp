@@ -18,7 +18,9 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -38,6 +40,9 @@ void endAtTheLatestIn(std::chrono::milliseconds time) {
     }).detach();
 }
 
+/// Ends commands under way and waits for that. Set while there may be some.
+std::function<void()> endCommands;
+
 int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaunched) {
     QApplication::setApplicationName("Brevane");
     QApplication::setDesktopFileName("com.brevane.brevane");
@@ -49,11 +54,22 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     ServerPool pool;
     const auto preferences = makeUserPreferences();
     QtMainQueue mainQueue;
-    SerialQueue queue("tailscale");
-    AppDelegate delegate({mainQueue, queue, *preferences, pool});
+    auto queue = std::make_unique<SerialQueue>("tailscale");
+    AppDelegate delegate({mainQueue, *queue, *preferences, pool});
+
+    // Qt ends the process on the spot when the display goes away.
+    endCommands = [&] {
+        delegate.interruptCommands();
+        queue.reset();
+    };
+    std::atexit([] {
+        if (endCommands) endCommands();
+    });
+
     delegate.applicationDidFinishLaunching();
     hasLaunched(delegate);
     const int status = QApplication::exec();
+    endCommands = nullptr;
     endAtTheLatestIn(std::chrono::milliseconds(1800));
     return status;
 }
