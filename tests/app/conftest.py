@@ -1,0 +1,121 @@
+# SPDX-License-Identifier: MIT
+"""The running program in front of a tailscale that does what a test wants."""
+
+import json
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import uuid
+from contextlib import suppress
+from pathlib import Path
+
+import pytest
+
+sys.path.insert(0, str(Path(__file__).parents[1] / "e2e"))
+
+from driver import accessibility, process  # noqa: E402
+from driver.desktop import Desktop  # noqa: E402
+from driver.waiting import until  # noqa: E402
+from driver.window import Window  # noqa: E402
+
+STATUS = {"BackendState": "Running", "Self": {"DNSName": "host.example.ts.net.", "TailscaleIPs": ["100.64.0.1"], "HostName": "host"}}
+
+
+def pytest_addoption(parser):
+    parser.addoption("--program", required=True, help="the program, built for the tailscale of this folder")
+
+
+@pytest.fixture(scope="session")
+def desktop():
+    folder = tempfile.mkdtemp(prefix="brevane-app-")
+    with Desktop(folder) as running:
+        yield running
+    shutil.rmtree(folder, ignore_errors=True)
+
+
+@pytest.fixture
+def user(pytestconfig, desktop, tmp_path):
+    user = User(pytestconfig.getoption("--program"), desktop, tmp_path)
+    yield user
+    user.end()
+
+
+class User:
+    """Somebody with preferences and a tailscale of their own."""
+
+    def __init__(self, program, desktop, folder):
+        self.program = program
+        self.desktop = desktop
+        self.folder = folder
+        self.mark = str(uuid.uuid4())
+        self.environment = desktop.environment | {
+            "XDG_CONFIG_HOME": str(folder / "config"),
+            "FAKE_TAILSCALE": str(folder / "tailscale"),
+            "BREVANE_TEST": self.mark,
+        }
+        self.answer(STATUS, {})
+
+    def answer(self, status, serve):
+        """Has tailscale answer its two questions with these documents."""
+        (self.folder / "status.json").write_text(json.dumps(status))
+        (self.folder / "serve.json").write_text(json.dumps(serve))
+        self.tailscale(f'if [ "$1" = status ]; then cat {self.folder}/status.json; else cat {self.folder}/serve.json; fi')
+
+    def tailscale(self, script):
+        """Has tailscale do what a script of sh says."""
+        command = self.folder / "tailscale"
+        command.write_text(f"#!/bin/sh\n{script}\n")
+        command.chmod(0o755)
+
+    def launch(self, *arguments, environment=None):
+        return process.start(self.program, *arguments, env=environment or self.environment, log=self.folder / "program.log")
+
+    def start(self):
+        """Starts the program and waits for its window."""
+        child = self.launch()
+        until("the window", lambda: self.windows("Brevane", child.pid))
+        return child
+
+    def window(self, child):
+        """The main window as assistive technology sees it."""
+        return Window(until("the program", lambda: accessibility.application(child.pid)), self.desktop)
+
+    def key(self, *combinations):
+        """Presses keys for whatever has the focus."""
+        for combination in combinations:
+            self.xdotool("key", combination)
+
+    def windows(self, title, pid):
+        """The windows on the screen with this title, by their X11 identifiers."""
+        found = self.xdotool("search", "--onlyvisible", "--all", "--pid", pid, "--name", f"^{title}$")
+        return [int(window) for window in found.split()]
+
+    def active_title(self):
+        return self.xdotool("getactivewindow", "getwindowname").strip()
+
+    def xdotool(self, *words):
+        return self.ask("xdotool", *words)
+
+    def ask(self, *command):
+        """What a command prints; nothing where it fails."""
+        asked = subprocess.run([str(word) for word in command], env=self.environment, capture_output=True, text=True, timeout=60)
+        return asked.stdout
+
+    def processes(self):
+        """All processes that have come from this user's programs and are not over, by command line."""
+        found = {}
+        for folder in Path("/proc").glob("[0-9]*"):
+            try:
+                if self.mark.encode() in (folder / "environ").read_bytes():
+                    found[int(folder.name)] = (folder / "cmdline").read_bytes().replace(b"\0", b" ").decode()
+            except OSError:
+                continue
+        return found
+
+    def end(self):
+        for pid in self.processes():
+            with suppress(ProcessLookupError):
+                os.kill(pid, signal.SIGKILL)

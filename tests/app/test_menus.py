@@ -1,0 +1,84 @@
+# SPDX-License-Identifier: MIT
+"""The menus and the About panel, from the keyboard."""
+
+import pytest
+
+from driver.waiting import until
+
+
+@pytest.fixture
+def child(user):
+    child = user.start()
+    until("the keyboard", lambda: user.active_title() == "Brevane")
+    return child
+
+
+def open_about(user):
+    user.key("alt+b", "a")
+    until("the panel in front", lambda: user.active_title() == "About Brevane")
+
+
+def close_about(user, child, key):
+    user.key(key)
+    until("the panel to close", lambda: not user.windows("About Brevane", child.pid))
+    until("the main window", lambda: user.active_title() == "Brevane")
+
+
+def activate_main(user, child):
+    user.xdotool("windowactivate", *user.windows("Brevane", child.pid))
+    until("the main window", lambda: user.active_title() == "Brevane")
+
+
+def test_about_twice_is_one_panel(user, child):
+    open_about(user)
+    activate_main(user, child)
+    open_about(user)
+    assert len(user.windows("About Brevane", child.pid)) == 1
+
+
+def test_a_closed_about_panel_opens_again(user, child):
+    for key in ("ctrl+w", "Escape", "alt+F4"):
+        open_about(user)
+        close_about(user, child, key)
+    assert child.poll() is None
+
+
+def test_closing_the_main_window_quits_with_the_about_panel_open(user, child):
+    open_about(user)
+    activate_main(user, child)
+    user.key("ctrl+w")
+    assert child.wait(30) == 0
+
+
+def test_the_about_panel_tells_assistive_technology_all_of_it(user, child):
+    open_about(user)
+    panel = user.window(child).application.await_one("About Brevane")
+    names = [element.name for element in panel.descendants() if element.name]
+    assert names[0] == "Orvale, Small tools, well made"
+    assert names[1] == "Brevane"
+    assert names[2].startswith("Version ")
+    assert panel.find("orvale.example", "push button").enabled
+
+
+def test_minimize_takes_the_window_off_the_screen(user, child):
+    user.key("alt+w", "m")
+    until("the window to go", lambda: not user.windows("Brevane", child.pid))
+
+
+def test_edit_items_act_on_the_text_field_that_has_the_keyboard(user, child):
+    field = user.window(child).field("Port or URL")
+    field.accessible.get_component_iface().grab_focus()
+    user.xdotool("type", "3000")
+    until("the text", lambda: field.text == "3000")
+    user.key("alt+e", "a")
+    user.key("alt+e", "t")
+    until("the text to be cut", lambda: field.text == "")
+    user.key("alt+e", "p", "alt+e", "p")
+    until("the text to be pasted twice", lambda: field.text == "30003000")
+    user.key("alt+e", "u")
+    until("one paste to be undone", lambda: field.text == "3000")
+
+
+def test_menus_have_the_items_that_were_asked_for(user, child):
+    bar = user.window(child).frame.await_one(role="menu bar")
+    assert [menu.name for menu in bar.children] == ["Brevane", "Edit", "Window"]

@@ -1,0 +1,134 @@
+# SPDX-License-Identifier: MIT
+"""How the program ends, whatever it is doing at the time."""
+
+import json
+import signal
+import socket
+import time
+
+import pytest
+
+from driver import process
+from driver.waiting import until
+
+# Two seconds are what quitting may take; the rest is for a machine that runs other tests beside.
+PATIENCE = 2 + 1
+
+STUBBORN = "trap '' TERM; sleep 1000 & sleep 1001 & while :; do wait; done"
+
+
+def free_port():
+    with socket.socket() as listener:
+        listener.bind(("127.0.0.1", 0))
+        return listener.getsockname()[1]
+
+
+def assert_quits(user, child, how):
+    """Nothing of it is left after the time that it has."""
+    how()
+    assert child.wait(PATIENCE) == 0
+    assert user.processes() == {}
+    assert (user.folder / "program.log").read_text() == ""
+
+
+@pytest.mark.parametrize("number", [signal.SIGTERM, signal.SIGINT, signal.SIGHUP])
+def test_signals_are_a_quit(user, number):
+    child = user.start()
+    assert_quits(user, child, lambda: child.send_signal(number))
+
+
+def test_a_signal_that_was_ignored_from_the_start_stays_ignored(user):
+    child = process.start("sh", "-c", f"trap '' HUP; exec {user.program}", env=user.environment)
+    until("the window", lambda: user.windows("Brevane", child.pid))
+    child.send_signal(signal.SIGHUP)
+    assert user.launch().wait(30) == 0
+    assert child.poll() is None
+
+
+@pytest.mark.parametrize("keys", ["ctrl+q", "ctrl+w", "alt+F4"])
+def test_keys_quit(user, keys):
+    child = user.start()
+    until("the keyboard", lambda: user.active_title() == "Brevane")
+    assert_quits(user, child, lambda: user.key(keys))
+
+
+def test_a_hanging_command_that_ignores_sigterm_ends_with_the_program(user):
+    user.tailscale(STUBBORN)
+    child = user.start()
+    until("the command to run", lambda: any("1001" in line for line in user.processes().values()))
+    assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
+
+
+def test_a_signal_repeated_is_one_quit(user):
+    user.tailscale(STUBBORN)
+    child = user.start()
+    until("the command to run", lambda: any("1001" in line for line in user.processes().values()))
+
+    def insist():
+        for _ in range(20):
+            child.send_signal(signal.SIGTERM)
+            time.sleep(0.01)
+
+    assert_quits(user, child, insist)
+
+
+def test_a_signal_while_it_starts_leaves_nothing_behind(user):
+    user.tailscale(STUBBORN)
+    for delay in range(0, 100, 10):
+        child = user.launch()
+        time.sleep(delay / 1000)
+        child.send_signal(signal.SIGTERM)
+        assert child.wait(PATIENCE) in (0, -signal.SIGTERM)
+        assert user.processes() == {}
+
+
+def test_a_share_in_the_foreground_ends_with_the_program(user):
+    user.tailscale(f'[ "$2" = status -o "$1" = status ] || {{ {STUBBORN}; }}')
+    child = user.start()
+    window = user.window(child)
+    window.fill("Port / App URL", "3000", background=False)
+    window.start()
+    until("the command to run", lambda: any("1001" in line for line in user.processes().values()))
+    assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
+
+
+def test_a_display_that_goes_away_leaves_nothing_behind(user, desktop):
+    display = desktop.announced("Xvfb", "-displayfd", "{fd}", "-nolisten", "tcp")
+    server = desktop.children.pop()
+    user.tailscale(STUBBORN)
+    child = user.launch(environment=user.environment | {"DISPLAY": f":{display}"})
+    until("the command to run", lambda: any("1001" in line for line in user.processes().values()))
+    process.end(server)
+    assert child.wait(PATIENCE) != 0
+    assert user.processes() == {}
+
+
+@pytest.fixture
+def served(user):
+    """A shared folder of the last run with a large file in it. Gives its port."""
+    port = free_port()
+    folder = user.folder / "shared"
+    folder.mkdir()
+    (folder / "large").write_bytes(bytes(200_000_000))
+    preferences = user.folder / "config" / "brevane" / "preferences.json"
+    preferences.parent.mkdir(parents=True)
+    preferences.write_text(json.dumps({"TailscaleManagedServers": {str(port): {"path": str(folder), "type": "directory"}}}))
+    handlers = {"Handlers": {"/": {"Proxy": f"http://127.0.0.1:{port}"}}}
+    user.answer({"BackendState": "Running"}, {"TCP": {"443": {"HTTPS": True}}, "Web": {"host.example.ts.net:443": handlers}})
+    return port
+
+
+def test_downloads_in_flight_do_not_hold_it_up(user, served):
+    child = user.start()
+
+    def connect():
+        visitor = socket.socket()
+        return visitor if visitor.connect_ex(("127.0.0.1", served)) == 0 else None
+
+    visitors = [until("the server", connect) for _ in range(20)]
+    for visitor in visitors:
+        visitor.sendall(b"GET /large HTTP/1.1\r\nHost: host\r\n\r\n")
+        assert visitor.recv(4) == b"HTTP"
+    assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
+    for visitor in visitors:
+        visitor.close()

@@ -1,0 +1,137 @@
+# SPDX-License-Identifier: MIT
+"""How the program starts, alone and beside others."""
+
+import re
+import signal
+import subprocess
+from pathlib import Path
+
+import pytest
+
+from driver import process
+from driver.waiting import until
+
+DESKTOP_FILE = Path(__file__).parents[2] / "packaging" / "linux" / "com.brevane.brevane.desktop"
+
+
+def run(program, *arguments):
+    """Without a screen."""
+    return subprocess.run([program, *arguments], env={}, capture_output=True, text=True, timeout=60)
+
+
+@pytest.fixture
+def program(pytestconfig):
+    return pytestconfig.getoption("--program")
+
+
+def test_version_and_help_need_no_screen(program):
+    version = run(program, "--version")
+    assert (version.returncode, version.stderr) == (0, "")
+    assert re.fullmatch(r"brevane \d+\.\d+\.\d+\n", version.stdout)
+    shown = run(program, "--help")
+    assert (shown.returncode, shown.stderr) == (0, "")
+    assert shown.stdout.startswith("Usage: brevane")
+
+
+def test_a_wrong_option_is_answered_with_usage_and_status_2(program):
+    refused = run(program, "--wrong")
+    assert (refused.returncode, refused.stdout) == (2, "")
+    assert "'--wrong'" in refused.stderr and "Usage: brevane" in refused.stderr
+
+
+def properties(user, window):
+    return user.ask("xprop", "-id", window)
+
+
+def test_the_window_is_centred_with_its_title_and_sizes(user, desktop):
+    (window,) = user.windows("Brevane", user.start().pid)
+    shown = properties(user, window)
+    assert re.search(r"minimum size: 640 by 500", shown)
+    place = dict(re.findall(r"^ +(?:Absolute upper-left )?(X|Y|Width|Height): +(\d+)$", user.ask("xwininfo", "-id", window), re.M))
+    assert (place["Width"], place["Height"]) == ("800", "640")
+    screen_width, screen_height = map(int, user.xdotool("getdisplaygeometry").split())
+    # What is in the middle is the window with its frame or without, as the window manager likes it.
+    assert abs(int(place["X"]) + 400 - screen_width / 2) <= 30
+    assert abs(int(place["Y"]) + 320 - screen_height / 2) <= 30
+
+
+def test_desktop_file_and_window_class_agree_and_the_window_has_an_icon(user):
+    (window,) = user.windows("Brevane", user.start().pid)
+    shown = properties(user, window)
+    entry = dict(line.split("=", 1) for line in DESKTOP_FILE.read_text().splitlines() if "=" in line)
+    assert re.search(r'WM_CLASS\(STRING\) = "\S+", "(\S+)"', shown)[1] == entry["StartupWMClass"]
+    assert entry["Icon"] == DESKTOP_FILE.stem
+    assert "Icon (128 x 128)" in shown
+
+
+def test_one_refresh_is_asked_for_at_the_start(user):
+    user.tailscale(f'echo "$*" >>{user.folder}/asked')
+    user.start()
+    asked = user.folder / "asked"
+    until("both questions", lambda: asked.exists() and len(asked.read_text().splitlines()) >= 2)
+    assert asked.read_text().splitlines() == ["status --json", "serve status --json"]
+
+
+def test_without_tailscale_the_window_opens_all_the_same(user):
+    (user.folder / "tailscale").unlink()
+    user.start()
+
+
+def test_a_second_start_raises_the_first_ones_window_and_ends(user, desktop):
+    first = user.start()
+    other = desktop.start("xmessage", "-title", "Other", "in front")
+    until("the other window in front", lambda: user.active_title() == "Other")
+    assert user.launch().wait(30) == 0
+    until("the first one's window in front", lambda: user.active_title() == "Brevane")
+    assert first.poll() is None
+    process.end(other)
+
+
+def test_a_second_start_brings_a_minimized_window_back(user):
+    first = user.start()
+    user.xdotool("windowminimize", *user.windows("Brevane", first.pid))
+    until("the window to go", lambda: not user.windows("Brevane", first.pid))
+    assert user.launch().wait(30) == 0
+    until("the window to come back", lambda: user.windows("Brevane", first.pid))
+
+
+def test_of_several_that_start_at_once_one_stays(user):
+    for _ in range(5):
+        children = [user.launch() for _ in range(4)]
+        until("all but one to end", lambda: sum(child.poll() is None for child in children) == 1)
+        (left,) = [child for child in children if child.poll() is None]
+        assert [child.returncode for child in children if child is not left] == [0, 0, 0]
+        until("its window", lambda: user.windows("Brevane", left.pid))
+        assert process.end(left) == 0
+
+
+def test_what_a_crashed_one_left_behind_keeps_nobody_out(user):
+    for _ in range(3):
+        child = user.start()
+        child.send_signal(signal.SIGKILL)
+        child.wait(30)
+    assert process.end(user.start()) == 0
+
+
+def test_one_that_starts_while_the_first_ends_takes_its_place(user):
+    user.tailscale("trap '' TERM; while :; do sleep 1; done")
+    first = user.start()
+    until("the command to run", lambda: any("sleep" in line for line in user.processes().values()))
+    first.send_signal(signal.SIGTERM)
+    second = user.start()
+    assert first.wait(30) == 0
+    assert second.poll() is None
+
+
+def test_another_preferences_folder_is_another_instance(user):
+    first = user.start()
+    elsewhere = user.environment | {"XDG_CONFIG_HOME": str(user.folder / "elsewhere")}
+    second = user.launch(environment=elsewhere)
+    until("its window", lambda: user.windows("Brevane", second.pid))
+    assert first.poll() is None
+
+
+def test_nothing_is_written_but_an_empty_folder(user):
+    child = user.start()
+    assert process.end(child) == 0
+    assert [path.name for path in (user.folder / "config").rglob("*")] == ["brevane"]
