@@ -123,7 +123,7 @@ QWidget* AddServeView::makeErrorRow() {
 
 void AddServeView::layOut() {
     auto* typeSection = new FormSection(tr("Source Type"));
-    typeSection->add(sourceType);
+    typeSection->addNamed(sourceType);
     pathSection = makePathSection();
     previewSection = makePreview();
     errorRow = makeErrorRow();

@@ -44,6 +44,8 @@ ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, 
     split->setStretchFactor(0, 1);
     split->setStretchFactor(1, 0);
     split->setSizes({leftIdeal, rightIdeal});
+    // A splitter puts each new pane before the others, which is the order that screen readers take.
+    split->widget(0)->lower();
     toast = new ToastBar;
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

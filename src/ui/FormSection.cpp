@@ -16,6 +16,11 @@ void FormSection::setTitle(const QString& title) {
     label->setPlainText(title.toUpper());
 }
 
+void FormSection::addNamed(QWidget* control) {
+    label->setBuddy(control);
+    add(control);
+}
+
 void FormSection::add(QWidget* widget) {
     column->addWidget(widget);
 }

@@ -17,6 +17,8 @@ public:
     explicit FormSection(const QString& title = {}, QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
+    /// Adds a control that the label names.
+    void addNamed(QWidget* control);
     void add(QWidget* widget);
     void add(QLayout* layout);
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "WindowTest.h"
 
+#include "Surface.h"
+
+#include <QAccessible>
 #include <QTextEdit>
 
 namespace brevane::test {
@@ -74,6 +77,35 @@ TEST_F(KeyboardTest, EveryControlHasAName) {
         EXPECT_FALSE(widget->accessibleName().isEmpty() &&
                      (button == nullptr || button->text().isEmpty()))
             << widget->metaObject()->className();
+    }
+}
+
+TEST_F(KeyboardTest, AScreenReaderGoesThroughThePanesInTheOrderOfReading) {
+    std::vector<std::string> names;
+    const std::function<void(QAccessibleInterface*)> visit = [&](QAccessibleInterface* node) {
+        const auto name = node->text(QAccessible::Name).toStdString();
+        if (name == "Refresh (Ctrl+R)" || name == "Start Serve") names.push_back(name);
+        for (int i = 0; i < node->childCount(); ++i)
+            visit(node->child(i));
+    };
+    visit(QAccessible::queryAccessibleInterface(view.get()));
+    EXPECT_EQ(names, (std::vector<std::string>{"Refresh (Ctrl+R)", "Start Serve"}));
+}
+
+TEST_F(KeyboardTest, ThePopUpIsLabelledByItsTitle) {
+    auto* picker = QAccessible::queryAccessibleInterface(find<PopUp>("Source Type"));
+    const auto relations = picker->relations(QAccessible::Label);
+    ASSERT_EQ(relations.size(), 1);
+    EXPECT_EQ(relations[0].first->text(QAccessible::Name), "SOURCE TYPE");
+}
+
+TEST_F(KeyboardTest, ErrorsAndToastsAreAlerts) {
+    view->showToast("URL copied!");
+    for (const char* text : {"it went wrong", "URL copied!"}) {
+        auto* alert = QAccessible::queryAccessibleInterface(find<Surface>(text));
+        ASSERT_NE(alert, nullptr) << text;
+        EXPECT_EQ(alert->role(), QAccessible::AlertMessage) << text;
+        EXPECT_EQ(alert->text(QAccessible::Name), text);
     }
 }
 
