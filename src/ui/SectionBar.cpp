@@ -25,7 +25,7 @@ SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
         QAction* item = menu->addAction(label);
         setDestructive(*item);
         connect(item, &QAction::triggered, this,
-                [this, target = target] { Q_EMIT resetRequested(target); });
+                [this, chosen = target] { Q_EMIT resetRequested(chosen); });
     }
     connect(more, &IconButton::clicked, this, [more, menu] {
         const int trailing = more->width() - menu->sizeHint().width();
