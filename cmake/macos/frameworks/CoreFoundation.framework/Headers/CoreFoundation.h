@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+// The part of Core Foundation that src/ uses, declared after Apple's developer documentation
+// for where Apple's own headers are not to be had.
+
+#include <MacTypes.h>
+
+extern "C" {
+
+typedef long CFIndex;
+typedef unsigned long CFTypeID;
+typedef UInt32 CFStringEncoding;
+typedef struct {
+    CFIndex location;
+    CFIndex length;
+} CFRange;
+
+typedef const void* CFTypeRef;
+typedef CFTypeRef CFPropertyListRef;
+typedef const struct __CFAllocator* CFAllocatorRef;
+typedef const struct __CFString* CFStringRef;
+typedef const struct __CFDictionary* CFDictionaryRef;
+typedef struct __CFDictionary* CFMutableDictionaryRef;
+typedef struct __CFBundle* CFBundleRef;
+typedef struct CFDictionaryKeyCallBacks CFDictionaryKeyCallBacks;
+typedef struct CFDictionaryValueCallBacks CFDictionaryValueCallBacks;
+
+enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
+
+extern const CFAllocatorRef kCFAllocatorDefault;
+extern const CFStringRef kCFPreferencesCurrentApplication;
+extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
+extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
+
+inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
+    return {location, length};
+}
+
+CFTypeID CFGetTypeID(CFTypeRef object);
+void CFRelease(CFTypeRef object);
+
+#define CFSTR(literal)                                                                             \
+    static_cast<CFStringRef>(                                                                      \
+        static_cast<const void*>(__builtin___CFStringMakeConstantString("" literal "")))
+
+CFTypeID CFStringGetTypeID(void);
+CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex size,
+                                    CFStringEncoding encoding, Boolean isExternalRepresentation);
+CFIndex CFStringGetLength(CFStringRef string);
+CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
+                         UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
+                         CFIndex capacity, CFIndex* used);
+
+CFTypeID CFDictionaryGetTypeID(void);
+CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
+                                                 const CFDictionaryKeyCallBacks* keyCallBacks,
+                                                 const CFDictionaryValueCallBacks* valueCallBacks);
+CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
+void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
+                                  const void** values);
+void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
+
+CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef application);
+void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef application);
+Boolean CFPreferencesAppSynchronize(CFStringRef application);
+
+CFBundleRef CFBundleGetMainBundle(void);
+CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key);
+
+} // extern "C"
