@@ -1,0 +1,63 @@
+# SPDX-License-Identifier: MIT
+"""The program under test, from its start to its end."""
+
+import json
+
+from . import accessibility, process
+from .waiting import until
+from .window import Window
+
+RECORD = "TailscaleManagedServers"
+
+
+class Application:
+    """One run of the program, with the desktop's folder of preferences."""
+
+    def __init__(self, program, desktop):
+        self.program = program
+        self.desktop = desktop
+        self.child = None
+        self.window = None
+
+    @property
+    def preferences(self):
+        return self.desktop.folder / "config" / "brevane" / "preferences.json"
+
+    @property
+    def log(self):
+        """What the program has written to its standard streams."""
+        return self.desktop.folder / "application.log"
+
+    def managed(self):
+        """The record of managed servers: a dictionary by port, None where there is none yet."""
+        try:
+            return json.loads(self.preferences.read_bytes()).get(RECORD)
+        except FileNotFoundError:
+            return None
+
+    def launch(self):
+        """Starts the program and gives its process."""
+        self.child = process.start(self.program, env=self.desktop.environment, log=self.log)
+        return self.child
+
+    def start(self):
+        """Starts the program and waits until its window is there and has been filled."""
+        self.launch()
+        root = until("the program to appear", lambda: self.alive() and accessibility.application(self.child.pid))
+        self.window = Window(root, self.child.pid, self.desktop)
+        self.window.await_idle()
+        return self.window
+
+    def alive(self):
+        status = self.child.poll()
+        assert status is None, f"the program ended with status {status} and wrote: {self.log.read_text()}"
+        return True
+
+    def quit(self):
+        """Closes the window, as a person at the keyboard does, and gives the exit status."""
+        self.desktop.key("ctrl+w")
+        return self.child.wait(10)
+
+    def end(self):
+        if self.child:
+            process.end(self.child)

@@ -1,0 +1,95 @@
+# SPDX-License-Identifier: MIT
+"""A screen of our own, with all that a window expects of a desktop."""
+
+import os
+import subprocess
+from pathlib import Path
+
+from . import process
+from .waiting import until
+
+# The session's own settings would reach the window; only these may.
+KEPT = ("PATH", "HOME", "USER", "LOGNAME", "SHELL", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
+
+
+class Desktop:
+    """An X server without a monitor, a window manager, a message bus and the accessibility service.
+
+    One to a driver: the accessibility library connects to the first that it is given.
+    """
+
+    def __init__(self, folder):
+        self.folder = Path(folder)
+        self.children = []
+        for name in ("runtime", "config", "cache", "data"):
+            (self.folder / name).mkdir(mode=0o700)
+        self.environment = {name: os.environ[name] for name in KEPT if name in os.environ} | {
+            "LC_ALL": "C.UTF-8",
+            "XDG_RUNTIME_DIR": str(self.folder / "runtime"),
+            "XDG_CONFIG_HOME": str(self.folder / "config"),
+            "XDG_CACHE_HOME": str(self.folder / "cache"),
+            "XDG_DATA_HOME": str(self.folder / "data"),
+            "XDG_SESSION_TYPE": "x11",
+            "QT_QPA_PLATFORM": "xcb",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+        }
+
+    def __enter__(self):
+        try:
+            self.environment["DISPLAY"] = ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp")
+            self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.announced("dbus-daemon", "--session", "--nofork", "--print-address={fd}")
+            self.start("openbox", "--sm-disable")
+            # The accessibility library finds its bus through these.
+            os.environ.update(self.environment)
+            self.await_accessibility()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        for child in reversed(self.children):
+            process.end(child)
+        self.children.clear()
+
+    def start(self, *command, **options):
+        child = process.start(*command, env=self.environment, log=self.folder / f"{command[0]}.log", **options)
+        self.children.append(child)
+        return child
+
+    def announced(self, *command):
+        """Starts a server that writes where it listens to a descriptor, and gives what it wrote."""
+        reader, writer = os.pipe()
+        try:
+            self.start(*(word.format(fd=writer) for word in command), pass_fds=(writer,))
+        finally:
+            os.close(writer)
+        with os.fdopen(reader) as announcement:
+            line = announcement.readline().strip()
+        if not line:
+            raise RuntimeError(f"{command[0]} did not start; see {self.folder}/{command[0]}.log")
+        return line
+
+    def await_accessibility(self):
+        """Programs that start before the registry is there are missed by it."""
+        asks = ("dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")
+        until("the accessibility service", lambda: subprocess.run(asks, env=self.environment, capture_output=True).returncode == 0)
+        from . import accessibility
+
+        until("the accessibility registry", accessibility.is_ready)
+
+    def key(self, combination):
+        """Presses keys, such as "Home" or "ctrl+w", for whatever has the focus."""
+        subprocess.run(["xdotool", "key", combination], env=self.environment, check=True)
+
+    def windows(self, pid):
+        """How many windows of a program are on the screen, menus among them."""
+        asks = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
+        return len(subprocess.run(asks, env=self.environment, capture_output=True, text=True).stdout.split())
+
+    def clipboard(self):
+        asks = ["xclip", "-out", "-selection", "clipboard"]
+        return subprocess.run(asks, env=self.environment, check=True, capture_output=True, text=True, timeout=30).stdout
+
+    def screenshot(self, path):
+        subprocess.run(["scrot", "--overwrite", str(path)], env=self.environment, check=True, stdin=subprocess.DEVNULL)

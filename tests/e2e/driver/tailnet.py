@@ -1,0 +1,117 @@
+# SPDX-License-Identifier: MIT
+"""The tailnet that the window's own node is in, seen from its second node."""
+
+import json
+import re
+import subprocess
+from contextlib import contextmanager
+from pathlib import Path
+
+from . import process
+
+HOST = "host"  # runs the window
+PEER = "peer"  # visits its shares
+
+
+class Tailnet:
+    """Runs from `with` to the end of it, or of the driver."""
+
+    def __init__(self, programs, folder):
+        self.programs = Path(programs)
+        self.folder = Path(folder)
+        self.child = None
+
+    def __enter__(self):
+        self.folder.parent.mkdir(parents=True, exist_ok=True)
+        # It ends with its standard input, which ends with us.
+        self.child = process.start(
+            self.programs / "tailnet", "run", "--until-eof", "--bin", self.programs, "--dir", self.folder,
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
+        )  # fmt: skip
+        line = self.child.stdout.readline()
+        if not line:
+            raise RuntimeError(f"the tailnet did not start: {self.child.stderr.read().strip()}")
+        self.record = json.loads(line)
+        return self
+
+    def __exit__(self, *_):
+        self.child.stdin.close()
+        outside = self.child.stderr.read().strip()
+        self.child.wait(20)
+        assert not outside, outside
+
+    @property
+    def name(self):
+        """The full name of the node that shares."""
+        return self.record["nodes"][HOST]["fqdn"]
+
+    def url(self, path="/", port=443):
+        return f"https://{self.name}{'' if port == 443 else f':{port}'}{path}"
+
+    def tailscale(self, *arguments, node=HOST):
+        """Runs the command line of a node and gives what it printed."""
+        command = [self.record["nodes"][node]["cli"], *arguments]
+        return subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
+
+    def command_line(self, prefix="", socket=None):
+        """The shell command that stands for the host's tailscale: with words before it, or another socket."""
+        line = Path(self.record["nodes"][HOST]["cli"]).read_text().splitlines()[-1]
+        if socket:
+            line = re.sub(r"--socket='[^']*'", f"--socket='{socket}'", line)
+        return line.replace("exec ", f"exec {prefix} ")
+
+    @contextmanager
+    def command_replaced(self, script):
+        """Puts a script in the place of the host's tailscale, or nothing for None."""
+        command = Path(self.record["nodes"][HOST]["cli"])
+        kept = command.rename(command.with_suffix(".kept"))
+        try:
+            if script is not None:
+                command.write_text(f"#!/bin/sh\n{script}\n")
+                command.chmod(0o755)
+            yield
+        finally:
+            kept.replace(command)
+
+    @contextmanager
+    def stopped(self):
+        """The host as "tailscale down" leaves it."""
+        self.tailscale("down")
+        try:
+            yield
+        finally:
+            self.tailscale("up", f"--login-server={self.record['control']}", f"--hostname={HOST}", "--accept-dns=false")
+
+    def serve_status(self):
+        return json.loads(self.tailscale("serve", "status", "--json"))
+
+    def fetch(self, path, port=443, funnel=False, head=False, output=None):
+        """What the second node, or a visitor from the internet, gets for a path of the first one.
+
+        A dictionary with status, headers, bytes, sha256 and, where it is short text, body. Raises
+        Unreachable where there is no answer.
+        """
+        options = ["--funnel"] * funnel + ["--head"] * head + (["--output", output] if output else [])
+        return json.loads(self.visit("fetch", *options, self.url(path, port)))
+
+    def dial(self, port, data, funnel=False):
+        """Sends bytes to a TCP port of the first node, and gives what comes back until it closes.
+
+        Raises Unreachable where nothing comes back.
+        """
+        answer = self.visit("dial", *["--funnel"] * funnel, f"{self.name}:{port}", data=data)
+        if not answer:
+            # A relay takes a connection before it knows whether anybody is there.
+            raise Unreachable(f"port {port} closed without a word")
+        return answer
+
+    def visit(self, command, *arguments, data=b""):
+        words = [self.programs / "tailnet", command, "--dir", self.folder, "--from", PEER, *arguments]
+        visited = subprocess.run(words, input=data, capture_output=True, timeout=120)
+        if visited.returncode:
+            raise Unreachable(visited.stderr.decode().strip())
+        return visited.stdout
+
+
+class Unreachable(Exception):
+    """A visitor found nobody to talk to."""

@@ -1,0 +1,148 @@
+# SPDX-License-Identifier: MIT
+"""The main window, in the words of a person who uses it."""
+
+from .waiting import until
+
+# Labels of the choices "Source Type", and of the field that each one asks to fill in.
+FIELDS = {
+    "Port / App URL": "Port or URL",
+    "File": "File Path",
+    "Directory": "Directory Path",
+    "HTTPS (self-signed)": "Local HTTPS Port",
+    "Plain Text": "Text Content",
+    "TCP Forward": "Local Port",
+}
+
+RESETS = ("Reset All Serves", "Reset All Funnels", "Reset Everything")
+
+TEXT = ("text", "entry")
+
+
+class Window:
+    def __init__(self, application, pid, desktop):
+        self.application = application
+        self.pid = pid
+        self.desktop = desktop
+        self.frame = application.await_one("Brevane", "frame")
+
+    def await_idle(self):
+        """Until no command runs, as far as the header shows."""
+        until("the window to be idle", lambda: self.refresh_button() and not self.frame.find("Busy"))
+
+    def refresh_button(self):
+        return self.frame.find("Refresh (Ctrl+R)", "push button")
+
+    def refresh(self):
+        self.refresh_button().press()
+        self.await_idle()
+
+    def await_label(self, text):
+        return self.frame.await_one(text, "label")
+
+    def await_toast(self, message):
+        return self.frame.await_one(message, ("alert", "notification"))
+
+    # The form
+
+    def fill(self, kind, source, mode="Serve", path=None, background=True):
+        """Fills the form in; a path of None is left as it is."""
+        self.frame.await_one(mode, ("radio button", "check box", "toggle button")).switch(True)
+        self.choose(kind)
+        self.field(FIELDS[kind]).write(source)
+        if path is not None:
+            self.field("URL Path (optional)").write(path)
+        self.frame.await_one("Run in background", "check box").switch(background)
+
+    def field(self, label):
+        return self.frame.await_one(label, TEXT)
+
+    def choose(self, kind):
+        """Takes a source type from the list that drops down."""
+        box = until("the choice of source types", lambda: self.frame.find(role="combo box"))
+        box.press()
+        until("the list to drop down", lambda: all(item.showing for item in box.all(role="list item")))
+        self.desktop.key("Home")
+        for _ in range(list(FIELDS).index(kind)):
+            self.desktop.key("Down")
+        self.desktop.key("Return")
+        self.field(FIELDS[kind])
+
+    def preview(self):
+        return self.frame.await_one("Preview", TEXT).text
+
+    def start_button(self, mode="Serve"):
+        return self.frame.await_one(f"Start {mode}", "push button")
+
+    def start(self, mode="Serve"):
+        self.start_button(mode).press()
+
+    def share(self, kind, source, mode="Serve", **form):
+        """Makes a share and waits until the window says that it has been made."""
+        self.fill(kind, source, mode, **form)
+        self.start(mode)
+        self.await_toast(f"{mode} started successfully")
+        self.await_idle()
+
+    def await_form_error(self):
+        """The text of the failure that the form shows."""
+
+        def error():
+            return next((text for text in self.frame.all("Error", TEXT) if not text.parent.find("Clear")), None)
+
+        return until("an error in the form", error).text
+
+    # The list
+
+    def rows(self):
+        """The names of the rows, such as "Serve, https://host, folder /srv/site"."""
+        return [row.name for row in self.row_elements()]
+
+    def row_elements(self):
+        return [item for item in self.frame.all(role="list item") if item.find("Stop share")]
+
+    def row(self, *words):
+        """The row whose name has all these words in it, None where there is none."""
+        return next((row for row in self.row_elements() if all(word in row.name for word in words)), None)
+
+    def await_row(self, *words):
+        return until(f"a row with {words}", lambda: self.row(*words))
+
+    def await_empty(self):
+        self.await_label("No active shares")
+
+    def stop(self, row, answer="Stop"):
+        """Asks for the port of a row to be stopped, and answers the question that follows."""
+        row.find("Stop share", "push button").press()
+        self.answer(answer)
+
+    def reset(self, item, answer="Reset"):
+        """Chooses a reset from the menu, and answers the question that follows."""
+        self.frame.await_one("Reset Shares").press()
+        until("the menu to open", lambda: self.desktop.windows(self.pid) > 1)
+        for _ in range(RESETS.index(item) + 1):
+            self.desktop.key("Down")
+        self.desktop.key("Return")
+        self.answer(answer)
+
+    def answer(self, button):
+        """Presses a button of the question that is asked, and waits until it has gone."""
+        dialog = until("a question", lambda: self.application.find(role="dialog"))
+        dialog.await_one(button, "push button").press()
+        until("the question to go", lambda: not self.application.find(role="dialog"))
+
+    def banner(self):
+        """The banner over the list, None where there is none."""
+        clear = self.frame.find("Clear", "push button")
+        return clear.parent if clear else None
+
+    def error(self):
+        """The text of the banner, None where there is none."""
+        banner = self.banner()
+        return banner.find("Error", TEXT).text if banner else None
+
+    def await_error(self):
+        return until("an error", self.error)
+
+    def clear_error(self):
+        self.frame.await_one("Clear", "push button").press()
+        until("the banner to go", lambda: self.banner() is None)
