@@ -41,6 +41,7 @@ def application(pytestconfig, desktop, tailnet):
     shutil.rmtree(application.preferences.parent, ignore_errors=True)
     yield application
     application.end()
+    desktop.assert_whole()
 
 
 @pytest.fixture

@@ -32,7 +32,8 @@ def test_without_the_daemon_its_message_is_shown(window, tailnet, application, t
         window.await_label("Not connected")
         window.fill("Plain Text", "OK")
         window.start()
-        assert "failed to connect to local" in window.await_error()
+        assert "ailed to connect to local" in window.await_form_error()
+        assert "ailed to connect to local" in window.await_error()
     assert application.managed() == record
     window.refresh()
     window.await_row(str(tmp_path))
@@ -46,7 +47,8 @@ def test_without_operator_rights_the_list_shows_and_a_change_is_denied(window, t
         assert window.row("/before")
         window.fill("Plain Text", "denied", path="/after")
         window.start()
-        assert "Access denied" in window.await_error()
+        assert "Access denied" in window.await_form_error()
+        window.clear_error()
         window.stop(window.await_row("/before"))
         assert "Access denied" in window.await_error()
     assert tailnet.fetch("/before")["body"] == "OK"

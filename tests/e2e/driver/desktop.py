@@ -36,9 +36,11 @@ class Desktop:
 
     def __enter__(self):
         try:
-            self.environment["DISPLAY"] = ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp")
+            self.environment["DISPLAY"] = ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset")
+            until("the screen", lambda: self.answers("xdotool", "getdisplaygeometry"))
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.announced("dbus-daemon", "--session", "--nofork", "--print-address={fd}")
             self.start("openbox", "--sm-disable")
+            until("the window manager", lambda: self.answers("xdotool", "get_num_desktops"))
             # The accessibility library finds its bus through these.
             os.environ.update(self.environment)
             self.await_accessibility()
@@ -51,6 +53,11 @@ class Desktop:
         for child in reversed(self.children):
             process.end(child)
         self.children.clear()
+
+    def assert_whole(self):
+        """Fails where a part of the desktop has ended."""
+        for child in self.children:
+            assert child.poll() is None, f"{child.args} ended with status {child.returncode}; see {self.folder}"
 
     def start(self, *command, **options):
         child = process.start(*command, env=self.environment, log=self.folder / f"{command[0]}.log", **options)
@@ -70,10 +77,15 @@ class Desktop:
             raise RuntimeError(f"{command[0]} did not start; see {self.folder}/{command[0]}.log")
         return line
 
+    def answers(self, *question):
+        """Whether a command that asks a part of the desktop succeeds."""
+        self.assert_whole()
+        return subprocess.run(question, env=self.environment, capture_output=True).returncode == 0
+
     def await_accessibility(self):
         """Programs that start before the registry is there are missed by it."""
         asks = ("dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")
-        until("the accessibility service", lambda: subprocess.run(asks, env=self.environment, capture_output=True).returncode == 0)
+        until("the accessibility service", lambda: self.answers(*asks))
         from . import accessibility
 
         until("the accessibility registry", accessibility.is_ready)
