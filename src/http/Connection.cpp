@@ -70,6 +70,7 @@ void Connection::send() {
 
     sent += count.value_or(0);
     if (sent == head.size() + body.size()) return finish();
+    moreFollows = true; // The client has time enough to send something.
     response.keep();
     socket.whenWritable([self = shared_from_this()] { self->send(); });
 }

@@ -1,7 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "WireTest.h"
 
+#ifdef __linux__
+#include <net/if.h>
+#include <sched.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#endif
+
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <thread>
 
 namespace brevane::test {
 namespace {
@@ -81,6 +91,61 @@ TEST_F(Listener, ARequestStillBeingReadEndsWithItsServer) {
     client.send("\r\n");
     EXPECT_EQ(client.receiveAll(), "");
 }
+
+#ifdef __linux__
+// The socket of this process that listens on the port.
+int listeningSocket(std::int64_t port) {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        const int number = std::stoi(entry.path().filename().string());
+        int listening = 0;
+        socklen_t size = sizeof listening;
+        sockaddr_in6 address{};
+        socklen_t addressSize = sizeof address;
+        if (::getsockopt(number, SOL_SOCKET, SO_ACCEPTCONN, &listening, &size) == 0 &&
+            listening != 0 &&
+            ::getsockname(number, reinterpret_cast<sockaddr*>(&address), &addressSize) == 0 &&
+            ntohs(address.sin6_port) == port)
+            return number;
+    }
+    return -1;
+}
+
+TEST_F(Listener, AListenerThatFailsClearsIsRunning) {
+    ASSERT_TRUE(server.isRunning);
+    ::shutdown(listeningSocket(server.port), SHUT_RDWR);
+    while (server.isRunning)
+        std::this_thread::yield();
+    EXPECT_FALSE(answers(server.port, Family::ipv4));
+    server.listener->cancel();
+}
+
+// Leaves the calling thread with a network of its own that has no IPv6. False where that is not
+// allowed.
+bool enterNetworkWithoutIpv6() {
+    if (::unshare(CLONE_NEWNET) != 0) return false;
+    const Descriptor any(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+    ifreq loopback{};
+    loopback.ifr_name[0] = 'l';
+    loopback.ifr_name[1] = 'o';
+    loopback.ifr_flags = IFF_UP;
+    std::ofstream("/proc/sys/net/ipv6/conf/all/disable_ipv6") << 1;
+    return ::ioctl(any.get(), SIOCSIFFLAGS, &loopback) == 0;
+}
+
+TEST_F(Listener, ListensOnIpv4AloneWhereThereIsNoIpv6) {
+    bool allowed = false;
+    std::thread([&] {
+        allowed = enterNetworkWithoutIpv6();
+        if (!allowed) return;
+        FileHTTPServer alone(root.string(), pool());
+        const auto port = alone.startListener(0);
+        ASSERT_TRUE(port) << port.error().message();
+        EXPECT_TRUE(answers(*port, Family::ipv4));
+        EXPECT_FALSE(answers(*port, Family::ipv6));
+    }).join();
+    if (!allowed) GTEST_SKIP() << "making a network takes root's rights";
+}
+#endif
 
 } // namespace
 } // namespace brevane::test

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "WireTest.h"
 
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <filesystem>
+#include <vector>
 
 namespace brevane::test {
 namespace {
@@ -36,6 +40,58 @@ TEST_F(Listing, NamesStandUnescaped) {
     writeFile(root / "c&d \"e\" #f?g%20.txt", "");
     expectAnswer("GET / HTTP/1.1\r\n\r\n",
                  listingAnswer("/", fileLine("a<b>.txt") + fileLine("c&d \"e\" #f?g%20.txt")));
+}
+
+TEST_F(Listing, OddNamesStandAsTheBytesTheyAre) {
+    std::string lines;
+    const std::string longest(255, 'n');
+    for (const std::string name : {" ", "\"", "#", "%41", "&amp;", "'", "<", "?", "a\nb",
+                                   longest.c_str(), "\xC3\xA9", "\xE9", "\xF0\x9F\x93\x81"}) {
+        writeFile(root / name, "");
+        lines += fileLine(name);
+    }
+    expectAnswer("GET / HTTP/1.1\r\n\r\n", listingAnswer("/", lines));
+}
+
+TEST_F(Listing, ALinkIsAFileEvenToAFolderAndSoIsEverythingElse) {
+    std::filesystem::create_directory(folder / "outside");
+    std::filesystem::create_symlink(folder / "outside", root / "folder");
+    std::filesystem::create_symlink("nothing", root / "dangling");
+    ASSERT_EQ(::mkfifo((root / "fifo").c_str(), 0666), 0);
+    expectAnswer("GET / HTTP/1.1\r\n\r\n",
+                 listingAnswer("/", fileLine("dangling") + fileLine("fifo") + fileLine("folder")));
+}
+
+TEST_F(Listing, ItsTitleIsThePathAsAskedFor) {
+    std::filesystem::create_directory(root / "sub <dir>");
+    expectAnswer("GET /sub%20<dir>/./../sub%20%3cdir>/?q HTTP/1.1\r\n\r\n",
+                 listingAnswer("/sub <dir>/./../sub <dir>/", parentLine));
+    expectAnswer("GET // HTTP/1.1\r\n\r\n",
+                 listingAnswer("//", parentLine + folderLine("sub <dir>")));
+    expectAnswer("GET /caf\xE9/../ HTTP/1.1\r\n\r\n",
+                 listingAnswer("/café/../", parentLine + folderLine("sub <dir>")));
+}
+
+TEST_F(Listing, HeadSendsItsLengthAlone) {
+    writeFile(root / "a.txt", "");
+    const std::string answer = listingAnswer("/", fileLine("a.txt"));
+    expectAnswer("HEAD / HTTP/1.1\r\n\r\n", answer.substr(0, answer.find("\r\n\r\n") + 4));
+}
+
+TEST_F(Listing, OfThousandsIsInOrder) {
+    std::vector<std::string> names;
+    for (int number = 0; number < 3000; ++number)
+        names.push_back("common-start-" + std::to_string(number * 7919 % 3000) +
+                        (number % 3 == 0   ? "é"
+                         : number % 3 == 1 ? ""
+                                           : "Z"));
+    std::ranges::sort(names);
+    std::string lines;
+    for (const std::string& name : names) {
+        writeFile(root / name, "");
+        lines += fileLine(name);
+    }
+    EXPECT_EQ(get("/"), listingAnswer("/", lines));
 }
 
 } // namespace

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#include "DescriptorLimit.h"
+#include "WireTest.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+
+#include <ctime>
+
+namespace brevane::test {
+namespace {
+
+using Shortage = WireTest;
+
+int lowestFreeDescriptor() {
+    const Descriptor next(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    return next.get();
+}
+
+TEST_F(Shortage, WithoutDescriptorsTheServerWaitsAndThenServesAgainByItself) {
+    writeFile(root / "a.txt", "a");
+    std::vector<Client> clients;
+    {
+        // The client's own socket is the last one that can be made.
+        const DescriptorLimit limit(lowestFreeDescriptor() + 1);
+        clients.emplace_back(server.port);
+        clients.back().send("GET /a.txt HTTP/1.1\r\n\r\n");
+
+        const std::clock_t before = std::clock();
+        pollfd answered{.fd = clients.back().descriptor(), .events = POLLIN, .revents = 0};
+        EXPECT_EQ(::poll(&answered, 1, 500), 0);
+        EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 4) << "processor time of half a second";
+    }
+    EXPECT_EQ(clients.back().receiveAll(), textFileAnswer("a"));
+    EXPECT_TRUE(server.isRunning);
+}
+
+TEST_F(Shortage, WithoutADescriptorForItAFileIsForbidden) {
+    writeFile(root / "a.txt", "a");
+    const DescriptorLimit limit(lowestFreeDescriptor() + 2);
+    EXPECT_EQ(get("/a.txt"), forbidden);
+    EXPECT_EQ(get("/"), listingAnswer("/", ""));
+}
+
+TEST_F(Shortage, ThatNeverEndsDoesNotKeepAServerFromStopping) {
+    const DescriptorLimit limit(lowestFreeDescriptor() + 1);
+    const Client waiting(server.port);
+    server.listener->cancel();
+    EXPECT_FALSE(server.isRunning);
+}
+
+} // namespace
+} // namespace brevane::test
