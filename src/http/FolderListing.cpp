@@ -3,6 +3,8 @@
 
 #include "FolderEntries.h"
 
+#include <algorithm>
+
 namespace brevane {
 
 namespace {
@@ -20,27 +22,39 @@ constexpr std::string_view list = "</h1><ul>";
 constexpr std::string_view parent = "<li><a href=\"../\">📁 ../</a></li>\n";
 constexpr std::string_view end = "</ul></body></html>";
 
-// More than what stands around the two names of a line.
-constexpr std::size_t lineSize = 40;
+constexpr std::string_view lineStart = "<li><a href=\"";
+constexpr std::string_view folderIcon = "\">📁 ";
+constexpr std::string_view fileIcon = "\">📄 ";
+constexpr std::string_view lineEnd = "</a></li>\n";
+constexpr std::size_t lineSize =
+    lineStart.size() + std::max(folderIcon.size(), fileIcon.size()) + lineEnd.size() + 2;
 
 } // namespace
 
 std::string folderListing(const std::string& folder, std::string_view urlPath) {
     const FolderEntries entries(folder);
+    const std::size_t most = title.size() + style.size() + list.size() + parent.size() +
+                             end.size() + 2 * urlPath.size() + 2 * entries.nameBytes() +
+                             lineSize * entries.size();
     std::string page;
-    page.reserve(title.size() + style.size() + list.size() + parent.size() + end.size() +
-                 2 * urlPath.size() + 2 * entries.nameBytes() + lineSize * entries.size());
-
-    page.append(title).append(urlPath).append(style).append(urlPath).append(list);
-    if (urlPath != "/") page += parent;
-    for (std::size_t index = 0; index < entries.size(); ++index) {
-        const auto [name, isFolder] = entries[index];
-        const std::string_view slash = isFolder ? "/" : "";
-        page.append("<li><a href=\"").append(name).append(slash);
-        page.append(isFolder ? "\">📁 " : "\">📄 ").append(name).append(slash);
-        page.append("</a></li>\n");
-    }
-    return page.append(end);
+    page.resize_and_overwrite(most, [&](char* const begin, std::size_t) {
+        char* next = begin;
+        const auto put = [&next](auto... texts) {
+            ((next = std::ranges::copy(std::string_view(texts), next).out), ...);
+        };
+        put(title, urlPath, style, urlPath, list);
+        if (urlPath != "/") put(parent);
+        for (std::size_t index = 0; index < entries.size(); ++index) {
+            const auto [name, isFolder] = entries[index];
+            if (isFolder)
+                put(lineStart, name, "/", folderIcon, name, "/", lineEnd);
+            else
+                put(lineStart, name, fileIcon, name, lineEnd);
+        }
+        put(end);
+        return next - begin;
+    });
+    return page;
 }
 
 } // namespace brevane

@@ -2,6 +2,7 @@
 #include "ChildProcess.h"
 
 #include "ChildProgram.h"
+#include "DescriptorLimit.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -25,22 +26,6 @@
 namespace brevane {
 namespace {
 
-// Lets no descriptor of this number or above be made for as long as it lives.
-class DescriptorLimit {
-public:
-    explicit DescriptorLimit(int number) {
-        getrlimit(RLIMIT_NOFILE, &before);
-        const rlimit tight{.rlim_cur = static_cast<rlim_t>(number), .rlim_max = before.rlim_max};
-        setrlimit(RLIMIT_NOFILE, &tight);
-    }
-    ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before); }
-    DescriptorLimit(const DescriptorLimit&) = delete;
-    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
-
-private:
-    rlimit before{};
-};
-
 TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
     const Interrupt interrupt;
     const int lowest = open("/dev/null", O_RDONLY);
@@ -49,7 +34,7 @@ TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
     for (int left = 0; left < 4; ++left) {
         Result result;
         {
-            const DescriptorLimit limit(lowest + left);
+            const test::DescriptorLimit limit(lowest + left);
             result = child({"exit", "0"}).run(interrupt);
         }
         ASSERT_FALSE(result) << left;

@@ -1,0 +1,76 @@
+# SPDX-License-Identifier: MIT
+"""What the operating system tells and lets us arrange."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+TICKS = os.sysconf("SC_CLK_TCK")
+
+
+def processors():
+    """The processor of the server and that of its client; the same one where there is no other."""
+    allowed = sorted(os.sched_getaffinity(0))
+    return allowed[-1], allowed[0]
+
+
+def enter_own_network():
+    """Starts the program again in a network of its own, as root: no port is taken there, and the
+    connections that others closed a moment ago do not count."""
+    if os.environ.get("BREVANE_BENCH_NETWORK") != "own":
+        if os.geteuid() != 0 or not shutil.which("unshare"):
+            print("http: not root, so the machine's own network is used", file=sys.stderr)
+            return
+        os.environ["BREVANE_BENCH_NETWORK"] = "own"
+        os.execvp("unshare", ["unshare", "--net", sys.executable, *sys.argv])
+    subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
+    for name, value in (("ip_local_port_range", "10000 65535"), ("tcp_tw_reuse", "1")):
+        pathlib.Path("/proc/sys/net/ipv4", name).write_text(value)
+
+
+def family(pid):
+    """The process and all that it started."""
+    found, waiting = [], [pid]
+    while waiting:
+        process = waiting.pop()
+        found.append(process)
+        try:
+            for thread in os.listdir(f"/proc/{process}/task"):
+                waiting += map(int, pathlib.Path(f"/proc/{process}/task/{thread}/children").read_text().split())
+        except OSError:
+            pass
+    return found
+
+
+def processor_time(pid):
+    """Seconds that the process and its descendants have used: to the nanosecond, but for threads that
+    have ended, which only the process's own count knows, to the hundredth."""
+    total = 0
+    for process in family(pid):
+        try:
+            threads = sum(int(pathlib.Path(f"/proc/{process}/task/{thread}/schedstat").read_text().split()[0])
+                          for thread in os.listdir(f"/proc/{process}/task")) / 1e9
+            fields = pathlib.Path(f"/proc/{process}/stat").read_text().rpartition(")")[2].split()
+            total += max(threads, (int(fields[11]) + int(fields[12])) / TICKS)
+        except OSError:
+            pass
+    return total
+
+
+def busy_time():
+    """Seconds that all processors together have been used."""
+    with open("/proc/stat") as stat:
+        user, nice, system, _idle, _wait, irq, softirq, steal = map(int, stat.readline().split()[1:9])
+    return (user + nice + system + irq + softirq + steal) / TICKS
+
+
+def resident(pid):
+    """Kilobytes of memory in use by the process and its descendants."""
+    total = 0
+    for process in family(pid):
+        for line in pathlib.Path(f"/proc/{process}/status").read_text().splitlines():
+            if line.startswith("VmRSS:"):
+                total += int(line.split()[1])
+    return total
