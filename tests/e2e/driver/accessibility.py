@@ -28,7 +28,7 @@ def application(pid):
     root = desktop()
     for index in range(root.get_child_count()):
         child = quietly(lambda: root.get_child_at_index(index))
-        if child and quietly(child.get_process_id) == pid:
+        if child and Element(child).pid == pid:
             child.set_cache_mask(Atspi.Cache.NONE)
             return Element(child)
     return None
@@ -58,6 +58,11 @@ class Element:
     @property
     def role(self):
         return quietly(self.accessible.get_role_name) or ""
+
+    @property
+    def pid(self):
+        """The process that it is a part of."""
+        return quietly(self.accessible.get_process_id)
 
     @property
     def text(self):

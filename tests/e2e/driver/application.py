@@ -44,7 +44,7 @@ class Application:
         """Starts the program and waits until its window is there and has been filled."""
         self.launch()
         root = until("the program to appear", lambda: self.alive() and accessibility.application(self.child.pid))
-        self.window = Window(root, self.child.pid, self.desktop)
+        self.window = Window(root, self.desktop)
         self.window.await_idle()
         return self.window
 

@@ -19,9 +19,8 @@ TEXT = ("text", "entry")
 
 
 class Window:
-    def __init__(self, application, pid, desktop):
+    def __init__(self, application, desktop):
         self.application = application
-        self.pid = pid
         self.desktop = desktop
         self.frame = application.await_one("Brevane", "frame")
 
@@ -118,7 +117,7 @@ class Window:
     def reset(self, item, answer="Reset"):
         """Chooses a reset from the menu, and answers the question that follows."""
         self.frame.await_one("Reset Shares").press()
-        until("the menu to open", lambda: self.desktop.windows(self.pid) > 1)
+        until("the menu to open", lambda: self.desktop.windows(self.application.pid) > 1)
         for _ in range(RESETS.index(item) + 1):
             self.desktop.key("Down")
         self.desktop.key("Return")
