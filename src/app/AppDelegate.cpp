@@ -4,6 +4,7 @@
 #include "AboutPanel.h"
 #include "ContentView.h"
 #include "MenuBar.h"
+#include "TailscaleIcon.h"
 #include "TailscaleService.h"
 #include "WindowPlacement.h"
 
@@ -11,7 +12,6 @@
 #include <QIcon>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QPixmap>
 
 namespace brevane {
 
@@ -19,7 +19,7 @@ namespace {
 
 void setApplicationIcon() {
 #ifdef __APPLE__
-    const QPixmap icon("/Applications/Tailscale.app/Contents/Resources/AppIcon.icns");
+    const QIcon icon = TailscaleIcon::installed();
     if (!icon.isNull()) QApplication::setWindowIcon(icon);
 #else
     QIcon icon;

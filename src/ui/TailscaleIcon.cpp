@@ -14,9 +14,9 @@ TailscaleIcon::TailscaleIcon(int size, QWidget* parent) : QWidget(parent) {
 
 QIcon TailscaleIcon::installed() {
 #ifdef __APPLE__
-    const QPixmap picture(
-        QStringLiteral("/Applications/Tailscale.app/Contents/Resources/AppIcon.icns"));
-    return picture.isNull() ? QIcon() : QIcon(picture);
+    // An icon has all sizes that the file holds, a pixmap only the first; a missing file has none.
+    const QIcon icon(QStringLiteral("/Applications/Tailscale.app/Contents/Resources/AppIcon.icns"));
+    return icon.availableSizes().isEmpty() ? QIcon() : icon;
 #else
     return QIcon::fromTheme(QStringLiteral("tailscale"));
 #endif
