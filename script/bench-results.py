@@ -1,6 +1,6 @@
 """Usage: bench-results.py LINES RESULTS
 
-Prints the figures of LINES (a JSON object per line) as a table and merges them by name into
+Prints the figures of LINES (a JSON object per line) as a table and merges them by name and peer into
 RESULTS (a JSON list of objects).
 """
 
@@ -34,8 +34,8 @@ def print_table(rows):
 def main(lines, results):
     new = list(figures(lines))
     old = json.loads(results.read_text()) if results.exists() else []
-    merged = {figure["name"]: figure for figure in old + new}
-    results.write_text(json.dumps([merged[name] for name in sorted(merged)], indent=2) + "\n")
+    merged = {(figure["name"], figure["peer"]): figure for figure in old + new}
+    results.write_text(json.dumps([merged[key] for key in sorted(merged, key=str)], indent=2) + "\n")
     print_table([MEMBERS] + [tuple(text(figure[member]) for member in MEMBERS) for figure in new])
 
 

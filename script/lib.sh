@@ -67,11 +67,19 @@ configure() {
     }
 }
 
-# build FOLDER [ARGUMENT...]: builds what has been configured there; takes no time where nothing changed.
-build() {
+# build_in FOLDER [ARGUMENT...]: builds what has been configured there; takes no time where nothing changed.
+build_in() {
     local -a quiet=()
     [[ -t 2 ]] || quiet=(-- --quiet)
     cmake --build "$@" "${quiet[@]}" >&2 || fail "building in $1 failed, see above"
+}
+
+# build PRESET [ARGUMENT...]: configures a preset and builds it, with more arguments for cmake --build.
+build() {
+    local preset=$1
+    shift
+    configure "$preset"
+    build_in "build/$preset" "$@"
 }
 
 # Programs of the loopback tailnet: tailnet, tailscale and tailscaled.
