@@ -24,7 +24,9 @@ files >"$root/tmp/before"
 inside apt-get -q -y install --no-install-recommends /tmp/brevane.deb
 
 inside brevane --version
-inside env XDG_CONFIG_HOME=/tmp/config XDG_RUNTIME_DIR=/tmp DISPLAY="$DISPLAY" brevane &
+mkdir -m 700 "$root/tmp/trial"
+# Not by the function, so that what can be ended is the program itself.
+chroot "$root" env XDG_CONFIG_HOME=/tmp/trial XDG_RUNTIME_DIR=/tmp/trial LC_ALL=C.UTF-8 DISPLAY="$DISPLAY" brevane &
 program=$!
 timeout 60 xdotool search --sync --onlyvisible --name '^Brevane$' >/dev/null
 kill -TERM $program
