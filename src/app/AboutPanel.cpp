@@ -13,8 +13,6 @@ AboutPanel::AboutPanel(QWidget* parent) : QDialog(parent) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle("About Brevane");
-    // The main window alone decides when the application ends.
-    setAttribute(Qt::WA_QuitOnClose, false);
     // The link shows that it has the keyboard only once the user has moved there.
     setFocusPolicy(Qt::ClickFocus);
     setFocus();

@@ -104,7 +104,6 @@ TEST(AboutPanel, IsThreeHundredByThreeHundredAndTenAndTitled) {
     EXPECT_EQ(panel.size(), QSize(300, 310));
     EXPECT_EQ(panel.minimumSize(), panel.maximumSize());
     EXPECT_EQ(panel.windowTitle(), "About Brevane");
-    EXPECT_FALSE(panel.testAttribute(Qt::WA_QuitOnClose));
 }
 
 TEST(AboutPanel, GrowsWithTheFontSoThatNothingIsCut) {
