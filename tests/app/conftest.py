@@ -81,7 +81,7 @@ class User:
 
     def window(self, child):
         """The main window as assistive technology sees it."""
-        return Window(until("the program", lambda: accessibility.application(child.pid)), child.pid, self.desktop)
+        return Window(until("the program", lambda: accessibility.application(child.pid)), self.desktop)
 
     def key(self, *combinations):
         """Presses keys for whatever has the focus."""
