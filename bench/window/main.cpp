@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+//
+// Measures the window beside a bare one of the same size, on the screen that DISPLAY names, and
+// prints one JSON object on a line for each measure. The two take turns, so that a machine that is
+// busy for a while is busy for both.
+
+#include "Clock.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <string>
+#include <vector>
+
+using namespace brevane::bench;
+
+namespace {
+
+constexpr int rounds = 15;
+
+using Values = std::map<std::string, std::vector<double>>;
+
+double median(std::vector<double> values) {
+    if (values.empty()) return 0;
+    std::ranges::sort(values);
+    return values[values.size() / 2];
+}
+
+/// Runs a program, and adds what it reports under its names.
+void run(const std::string& command, Values& values) {
+    setenv("BENCH_STARTED", std::to_string(now()).c_str(), 1);
+    std::FILE* output = popen(("exec " + command).c_str(), "r");
+    if (output == nullptr) return;
+    char name[64];
+    double value = 0;
+    while (std::fscanf(output, "%63s %lf", name, &value) == 2)
+        values[name].push_back(value);
+    pclose(output);
+}
+
+/// A tailscale that lists so many shares and does nothing else.
+std::string makeTailscale(const std::filesystem::path& folder, int shares) {
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "status")
+        << R"({"BackendState":"Running","Self":{"DNSName":"heron.alder-finch.ts.net.",)"
+           R"("TailscaleIPs":["100.101.32.7"],"HostName":"heron"}})";
+    std::ofstream serve(folder / "serve");
+    serve << R"({"Web":{"heron.alder-finch.ts.net:443":{"Handlers":{)";
+    for (int i = 0; i < shares; ++i)
+        serve << (i == 0 ? "" : ",") << "\"/app" << i << R"(":{"Proxy":"http://127.0.0.1:3000"})";
+    serve << "}}}}";
+    const auto program = folder / "tailscale";
+    std::ofstream(program) << "#!/bin/sh\ncase \"$*\" in\n'status --json') cat "
+                           << (folder / "status").string() << " ;;\n'serve status --json') cat "
+                           << (folder / "serve").string() << " ;;\nesac\n";
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    return program.string();
+}
+
+/// How long both queries take by themselves.
+double commandsOwnTime(const std::string& tailscale) {
+    std::vector<double> times;
+    for (int round = 0; round < rounds; ++round) {
+        const double start = now();
+        for (const char* query : {" status --json", " serve status --json"}) {
+            const std::string line = "/bin/zsh -l -c '" + tailscale + query + "' > /dev/null";
+            if (std::system(line.c_str()) != 0) return 0;
+        }
+        times.push_back(now() - start);
+    }
+    return median(times);
+}
+
+void print(const char* name, double value, const char* unit, double peer) {
+    std::printf(
+        R"({"name":"window.%s","value":%.4g,"unit":"%s","peer":"bare QWidget","peer_value":%.4g,)"
+        R"("ratio":%.3g})"
+        "\n",
+        name, value, unit, peer, value / peer);
+}
+void print(const char* name, double value) {
+    std::printf(
+        R"({"name":"window.%s","value":%.4g,"unit":"ms","peer":null,"peer_value":null,"ratio":null})"
+        "\n",
+        name, value);
+}
+
+} // namespace
+
+int main() {
+    std::string pattern =
+        (std::filesystem::temp_directory_path() / "brevane-bench-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr) return 1;
+    const std::filesystem::path folder = pattern;
+    const std::string few = makeTailscale(folder / "few", 50);
+    const std::string many = makeTailscale(folder / "many", 10'000);
+
+    Values bare;
+    Values ours;
+    for (int round = 0; round < rounds; ++round) {
+        run(BARE_WINDOW, bare);
+        run(BREVANE_WINDOW " " + few + " start", ours);
+        run(BREVANE_WINDOW " " + many + " list", ours);
+    }
+    run(BREVANE_WINDOW " " + few + " inside", ours);
+    const double commands = commandsOwnTime(many);
+    std::filesystem::remove_all(folder);
+
+    const double bareFrame = median(bare["first_frame"]);
+    print("first_frame", median(ours["first_frame"]), "ms", bareFrame);
+    print("first_list_10k", median(ours["first_list_10k"]) - commands, "ms", bareFrame);
+    print("memory", median(ours["memory"]), "MiB", median(bare["memory"]));
+    for (const char* name : {"replace_10k", "scroll", "idle", "start_press", "refresh"})
+        print(name, median(ours[name]));
+}
