@@ -53,10 +53,8 @@ void AddServeView::makeControls() {
     background = new QCheckBox(tr("Run in background"));
     background->setFont(theme().font(TextStyle::body));
     background->setChecked(draft.background);
-    preview = new SelectableText(TextStyle::code, &Colors::text, 6);
-    preview->setAccessibleName(tr("Preview"));
-    errorText = new SelectableText(TextStyle::caption, &Colors::orange, 12);
-    errorText->setAccessibleName(tr("Error"));
+    preview = new SelectableText(tr("Preview"), TextStyle::code, &Colors::text, 6);
+    errorText = new SelectableText(tr("Error"), TextStyle::caption, &Colors::orange, 12);
     startButton = new PushButton(PushButton::Kind::prominent);
 }
 

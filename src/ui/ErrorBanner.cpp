@@ -12,9 +12,8 @@ namespace brevane {
 
 ErrorBanner::ErrorBanner(QWidget* parent)
     : Surface(&Colors::orangeTint, 0.12, 0, parent),
-      text(new SelectableText(TextStyle::caption, &Colors::text, 8)) {
+      text(new SelectableText(tr("Error"), TextStyle::caption, &Colors::text, 8)) {
     setAccessibleRole(*this, QAccessible::AlertMessage);
-    text->setAccessibleName(tr("Error"));
     auto* clear = new PushButton(PushButton::Kind::link, tr("Clear"));
     connect(clear, &PushButton::clicked, this, &ErrorBanner::clearRequested);
 

@@ -2,7 +2,9 @@
 #include "SelectableText.h"
 
 #include <QKeyEvent>
+#include <QResizeEvent>
 #include <QTextDocument>
+#include <QTextEdit>
 #include <QTextOption>
 
 #include <algorithm>
@@ -11,42 +13,76 @@
 
 namespace brevane {
 
-SelectableText::SelectableText(TextStyle textStyle, ColorRole textColor, int lines, QWidget* parent)
-    : QTextEdit(parent), style(textStyle), color(textColor), maximumLines(lines) {
-    setReadOnly(true);
-    setAcceptRichText(false);
-    setFrameShape(QFrame::NoFrame);
-    setTabChangesFocus(true);
-    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+/// The text edit inside. Keys that only an editor would take go on to the view around it.
+class SelectableText::Viewer : public QTextEdit {
+public:
+    explicit Viewer(QWidget* parent) : QTextEdit(parent) {
+        setReadOnly(true);
+        setAcceptRichText(false);
+        setFrameShape(QFrame::NoFrame);
+        setTabChangesFocus(true);
+        setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        document()->setDocumentMargin(0);
+        viewport()->setAutoFillBackground(false);
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const int key = event->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape)
+            event->ignore();
+        else
+            QTextEdit::keyPressEvent(event);
+    }
+};
+
+SelectableText::SelectableText(const QString& spokenName, TextStyle textStyle, ColorRole textColor,
+                               int lines, QWidget* parent)
+    : QWidget(parent), name(spokenName), style(textStyle), color(textColor), maximumLines(lines) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    document()->setDocumentMargin(0);
-    viewport()->setAutoFillBackground(false);
     applyTheme();
     connect(&theme(), &Theme::changed, this, &SelectableText::applyTheme);
 }
 
+void SelectableText::makeViewer() {
+    viewer = new Viewer(this);
+    viewer->setAccessibleName(name);
+    viewer->setGeometry(rect());
+    // The keyboard comes to it where it would come to this widget, if that took the focus itself.
+    setFocusPolicy(Qt::TabFocus);
+    setTabOrder(this, viewer);
+    setFocusPolicy(Qt::NoFocus);
+    applyTheme();
+    viewer->show();
+}
+
 void SelectableText::applyTheme() {
     setFont(theme().font(style));
-    document()->setDefaultFont(font());
-    setTextColor(theme().color(color));
-    QPalette shown = palette();
-    shown.setColor(QPalette::Text, theme().color(color));
-    setPalette(shown);
-    const QString text = toPlainText();
-    if (!text.isEmpty()) setPlainText(text);
+    if (viewer == nullptr) return;
+    viewer->setFont(font());
+    viewer->document()->setDefaultFont(font());
+    viewer->setTextColor(theme().color(color));
+    QPalette palette = viewer->palette();
+    palette.setColor(QPalette::Text, theme().color(color));
+    viewer->setPalette(palette);
+    // What is there already keeps the old colour.
+    viewer->setPlainText(viewer->toPlainText());
     updateGeometry();
 }
 
 void SelectableText::setShownText(const QString& text) {
-    if (text == toPlainText()) return;
-    setPlainText(text);
+    if (viewer == nullptr && text.isEmpty()) return;
+    if (viewer == nullptr) makeViewer();
+    if (text == viewer->toPlainText()) return;
+    viewer->setPlainText(text);
     updateGeometry();
 }
 
 int SelectableText::heightForWidth(int width) const {
-    const std::unique_ptr<QTextDocument> measured(document()->clone());
+    if (viewer == nullptr) return fontMetrics().height();
+    const std::unique_ptr<QTextDocument> measured(viewer->document()->clone());
     measured->setTextWidth(width);
     const int whole = static_cast<int>(std::ceil(measured->size().height()));
     return std::min(whole, maximumLines * fontMetrics().lineSpacing());
@@ -62,22 +98,8 @@ QSize SelectableText::minimumSizeHint() const {
 }
 
 void SelectableText::resizeEvent(QResizeEvent* event) {
-    QTextEdit::resizeEvent(event);
+    if (viewer != nullptr) viewer->setGeometry(rect());
     if (event->oldSize().width() != event->size().width()) updateGeometry();
-}
-
-void SelectableText::keyPressEvent(QKeyEvent* event) {
-    // What only an editor would take goes on to the view around it.
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter ||
-        event->key() == Qt::Key_Escape)
-        event->ignore();
-    else
-        QTextEdit::keyPressEvent(event);
-}
-
-void SelectableText::changeEvent(QEvent* event) {
-    QTextEdit::changeEvent(event);
-    if (event->type() == QEvent::FontChange) updateGeometry();
 }
 
 } // namespace brevane

@@ -3,16 +3,19 @@
 
 #include "Theme.h"
 
-#include <QTextEdit>
+#include <QWidget>
 
 namespace brevane {
 
 /// Text that can be selected but not changed, as high as it needs to be at its width. A word that
-/// is longer than a line is broken. Beyond `maximumLines` it scrolls.
-class SelectableText : public QTextEdit {
+/// is longer than a line is broken. Beyond `maximumLines` it scrolls. Costs next to nothing until
+/// it has a text to show.
+class SelectableText : public QWidget {
     Q_OBJECT
 public:
-    SelectableText(TextStyle style, ColorRole color, int maximumLines, QWidget* parent = nullptr);
+    /// `name` is what screen readers call it.
+    SelectableText(const QString& name, TextStyle style, ColorRole color, int maximumLines,
+                   QWidget* parent = nullptr);
 
     /// Replaces the text; equal text changes nothing, so that a selection stays.
     void setShownText(const QString& text);
@@ -24,15 +27,18 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
-    void changeEvent(QEvent* event) override;
 
 private:
+    class Viewer;
+
+    void makeViewer();
     void applyTheme();
 
+    QString name;
     TextStyle style;
     ColorRole color;
     int maximumLines;
+    Viewer* viewer = nullptr;
 };
 
 } // namespace brevane

@@ -4,6 +4,7 @@
 #include "FieldDrawing.h"
 #include "MenuDrawing.h"
 #include "Painting.h"
+#include "Symbol.h"
 #include "Theme.h"
 
 #include <QAbstractButton>
@@ -78,6 +79,16 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
             *painter, *option,
             proxy()->subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget));
     QProxyStyle::drawComplexControl(control, option, painter, widget);
+}
+
+QIcon Style::standardIcon(StandardPixmap icon, const QStyleOption* option,
+                          const QWidget* widget) const {
+    // Every menu bar asks for it, and the usual one would have Qt load each picture format it
+    // knows.
+    if (icon == SP_ToolBarHorizontalExtensionButton)
+        return symbolPixmap(QStringLiteral("ellipsis.circle"), theme().color(&Colors::secondary),
+                            theme().symbolSize(), 1);
+    return QProxyStyle::standardIcon(icon, option, widget);
 }
 
 int Style::pixelMetric(PixelMetric metric, const QStyleOption* option,
