@@ -2,7 +2,7 @@
 //
 // Brevane's main window as the application opens it, on a tailscale of the benchmark's.
 //
-// Usage: bench-brevane-window TAILSCALE start|list|inside
+// Usage: brevane-window TAILSCALE start|list|inside
 
 #include "Clock.h"
 #include "ContentView.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Measures the window beside a bare one of the same size, on the screen that DISPLAY names, and
-// prints one JSON object on a line for each measure. The two take turns, so that a machine that is
+// Measures the window beside a bare one of the same size, on the screen that DISPLAY names or else
+// on one of its own, and prints one JSON object on a line for each measure. The two take turns, so that a machine that is
 // busy for a while is busy for both.
 
 #include "Clock.h"
@@ -12,6 +12,8 @@
 #include <map>
 #include <string>
 #include <vector>
+
+#include <unistd.h>
 
 using namespace brevane::bench;
 
@@ -88,7 +90,12 @@ void print(const char* name, double value) {
 
 } // namespace
 
-int main() {
+int main(int, char** argv) {
+    if (std::getenv("DISPLAY") == nullptr) {
+        execlp("xvfb-run", "xvfb-run", "--auto-servernum", argv[0], nullptr);
+        std::perror("xvfb-run");
+        return 1;
+    }
     std::string pattern =
         (std::filesystem::temp_directory_path() / "brevane-bench-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr) return 1;
