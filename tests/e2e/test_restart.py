@@ -60,7 +60,7 @@ def test_a_port_that_is_taken_is_tried_again_at_the_next_refresh(shared, applica
         assert window.error() is None
         assert application.managed() == record
     window.refresh()
-    assert tailnet.fetch("/folder/a.txt")["body"] == "still here"
+    until("the folder to be served", lambda: tailnet.fetch("/folder/a.txt").get("body") == "still here")
 
 
 def test_a_record_of_another_shape_is_ignored(shared, application):

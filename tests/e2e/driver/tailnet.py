@@ -36,9 +36,11 @@ class Tailnet:
 
     def __exit__(self, *_):
         self.child.stdin.close()
-        outside = self.child.stderr.read().strip()
+        complaints = self.child.stderr.read().splitlines()
         self.child.wait(20)
-        assert not outside, outside
+        # Before 1.82 a daemon asks whether its certificate is due; nothing else may go outside.
+        complaints = [line for line in complaints if not line.endswith("CONNECT acme-v02.api.letsencrypt.org:443")]
+        assert not complaints, complaints
 
     @property
     def name(self):

@@ -79,16 +79,23 @@ class Window:
         """Makes a share and waits until the window says that it has been made."""
         self.fill(kind, source, mode, **form)
         self.start(mode)
+
+        def made():
+            error = self.form_error()
+            assert error is None, error
+            return self.field(FIELDS[kind]).text == ""
+
+        until("the share", made)
         self.await_toast(f"{mode} started successfully")
         self.await_idle()
 
+    def form_error(self):
+        """The text of the failure that the form shows, None where there is none."""
+        texts = (text for text in self.frame.all("Error", TEXT) if not text.parent.find("Clear"))
+        return next((text.text for text in texts), None)
+
     def await_form_error(self):
-        """The text of the failure that the form shows."""
-
-        def error():
-            return next((text for text in self.frame.all("Error", TEXT) if not text.parent.find("Clear")), None)
-
-        return until("an error in the form", error).text
+        return until("an error in the form", self.form_error)
 
     # The list
 
