@@ -49,6 +49,12 @@ def window(application):
     return application.start()
 
 
+@pytest.fixture
+def differs(record_property):
+    """Notes for docs/compatibility.md what users of this version of Tailscale see."""
+    return lambda what: record_property("differs", what)
+
+
 @pytest.hookimpl(hookwrapper=True)
 def pytest_runtest_makereport(item):
     """Of a test that fails, keeps a picture of the screen in the folder that pytest gave it."""

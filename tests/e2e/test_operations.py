@@ -7,10 +7,9 @@ from driver import backends
 from driver.tailnet import Unreachable
 
 
-def test_stopping_a_row_stops_its_whole_port_and_its_server(window, tailnet, application, tmp_path):
+def test_stopping_a_row_stops_its_port_and_its_server(window, tailnet, application, tmp_path):
     (tmp_path / "a.txt").write_text("a")
     window.share("Directory", str(tmp_path), path="/files")
-    window.share("Plain Text", "OK", path="/health")
     port = int(next(iter(application.managed())))
     window.stop(window.await_row("/files"))
     window.await_toast("Share stopped")
@@ -20,6 +19,21 @@ def test_stopping_a_row_stops_its_whole_port_and_its_server(window, tailnet, app
     assert not backends.listens(port)
     with pytest.raises(Unreachable):
         tailnet.fetch("/files/a.txt")
+
+
+def test_stopping_a_row_stops_every_path_of_its_port(window, tailnet, differs):
+    window.share("Plain Text", "one", path="/one")
+    window.share("Plain Text", "two", path="/two")
+    window.stop(window.await_row("/one"))
+    window.await_toast("Share stopped")
+    if tailnet.version >= (1, 90):
+        window.await_empty()
+        assert tailnet.serve_status() == {}
+    else:
+        window.refresh()
+        assert window.row("/one") and window.row("/two")
+        assert tailnet.fetch("/one")["body"] == "one"
+        differs("a port with two or more paths is not stopped, whatever the window says")
 
 
 def test_a_stop_that_is_cancelled_leaves_the_share_running(window, tailnet):

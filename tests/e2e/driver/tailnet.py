@@ -55,6 +55,17 @@ class Tailnet:
         command = [self.record["nodes"][node]["cli"], *arguments]
         return subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
 
+    @property
+    def version(self):
+        """Of Tailscale, such as (1, 102, 5)."""
+        return tuple(int(number) for number in self.record["version"].split("-")[0].split("."))
+
+    def said(self, *arguments):
+        """What the host's command line prints about something that it refuses."""
+        refused = subprocess.run([self.record["nodes"][HOST]["cli"], *arguments], capture_output=True, text=True, timeout=60)
+        assert refused.returncode, refused
+        return (refused.stdout + refused.stderr).strip()
+
     def command_line(self, prefix="", socket=None):
         """The shell command that stands for the host's tailscale: with words before it, or another socket."""
         line = Path(self.record["nodes"][HOST]["cli"]).read_text().splitlines()[-1]
