@@ -8,6 +8,7 @@ from contextlib import contextmanager
 from pathlib import Path
 
 from . import process
+from .waiting import until
 
 HOST = "host"  # runs the window
 PEER = "peer"  # visits its shares
@@ -94,6 +95,12 @@ class Tailnet:
             yield
         finally:
             self.tailscale("up", f"--login-server={self.record['control']}", f"--hostname={HOST}", "--accept-dns=false")
+            # Older versions take a while to agree on new keys.
+            until("the second node to reach the first again", self.reaches_again)
+
+    def reaches_again(self):
+        ping = [self.record["nodes"][PEER]["cli"], "ping", "--tsmp", "-c", "1", "--timeout", "2s", HOST]
+        return subprocess.run(ping, capture_output=True, timeout=60).returncode == 0
 
     def serve_status(self):
         return json.loads(self.tailscale("serve", "status", "--json"))
