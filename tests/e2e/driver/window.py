@@ -95,7 +95,11 @@ class Window:
         return next((text.text for text in texts), None)
 
     def await_form_error(self):
-        return until("an error in the form", self.form_error)
+        """The failure of the start that is under way."""
+        return until("an error in the form", lambda: self.start_has_ended() and self.form_error())
+
+    def start_has_ended(self):
+        return any(self.frame.find(f"Start {mode}", "push button") for mode in ("Serve", "Funnel"))
 
     # The list
 
