@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Measures the window beside a bare one of the same size, on the screen that DISPLAY names or else
-// on one of its own, and prints one JSON object on a line for each measure. The two take turns, so that a machine that is
-// busy for a while is busy for both.
+// on one of its own, and prints one JSON object on a line for each measure. The two take turns, so
+// that a machine that is busy for a while is busy for both.
 
 #include "Clock.h"
 
