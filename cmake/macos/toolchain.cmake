@@ -13,16 +13,16 @@ foreach(tool c++ ar ranlib)
   if(tool STREQUAL "c++")
     set(options "-target aarch64-macos.13.0")
   endif()
-  file(CONFIGURE OUTPUT ${macos_parts}/tools/${tool} NEWLINE_STYLE UNIX @ONLY CONTENT [[
+  file(CONFIGURE OUTPUT ${macos_parts}/wrappers/${tool} NEWLINE_STYLE UNIX @ONLY CONTENT [[
 #!/bin/sh
 export ZIG_GLOBAL_CACHE_DIR="@macos_parts@/cache" ZIG_LOCAL_CACHE_DIR="@macos_parts@/cache"
 exec "@macos_parts@/zig/ziglang/zig" @tool@ @options@ "$@"
 ]])
-  file(CHMOD ${macos_parts}/tools/${tool} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+  file(CHMOD ${macos_parts}/wrappers/${tool} PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
 endforeach()
-set(CMAKE_CXX_COMPILER ${macos_parts}/tools/c++)
-set(CMAKE_AR ${macos_parts}/tools/ar CACHE FILEPATH "" FORCE)
-set(CMAKE_RANLIB ${macos_parts}/tools/ranlib CACHE FILEPATH "" FORCE)
+set(CMAKE_CXX_COMPILER ${macos_parts}/wrappers/c++)
+set(CMAKE_AR ${macos_parts}/wrappers/ar CACHE FILEPATH "" FORCE)
+set(CMAKE_RANLIB ${macos_parts}/wrappers/ranlib CACHE FILEPATH "" FORCE)
 set(CMAKE_CXX_COMPILER_AR ${CMAKE_AR} CACHE FILEPATH "" FORCE)
 set(CMAKE_CXX_COMPILER_RANLIB ${CMAKE_RANLIB} CACHE FILEPATH "" FORCE)
 
