@@ -173,7 +173,8 @@ void ShareList::bindRows(std::size_t first, std::size_t end) {
         if (row.index && !isNeeded(row) && !isPinned(row)) row.index.reset();
     for (std::size_t index = first; index < end; ++index) {
         if (rowAt(index) != nullptr) continue;
-        const auto unused = std::ranges::find(rows, std::optional<std::size_t>(), &Row::index);
+        const auto unused =
+            std::ranges::find_if(rows, [](const Row& row) { return !row.index.has_value(); });
         bind(unused == rows.end() ? makeRow() : *unused, index);
     }
 }
