@@ -46,6 +46,8 @@ void drawMenuGround(QPainter& painter, const QStyleOption& option) {
 void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWidget* menu) {
     const Colors& c = theme().colors();
     const QRect& box = item.rect;
+    // A pop-up button's list has a ground of its own otherwise.
+    painter.fillRect(box, c.popup);
     if (item.menuItemType == QStyleOptionMenuItem::Separator) {
         painter.fillRect(QRect(box.left() + 12, box.center().y(), box.width() - 24, 1), c.line);
         return;
