@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ClientSocket.h"
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
@@ -54,6 +56,11 @@ ClientSocket::Count ClientSocket::send(std::string_view first, std::string_view 
     message.msg_iov = vectors.data();
     message.msg_iovlen = vectors.size();
     return countOf(::sendmsg(socket.get(), &message, sendFlags));
+}
+
+void ClientSocket::limitUnsent() {
+    constexpr int unsent = 256 * 1024;
+    ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &unsent, sizeof unsent);
 }
 
 void ClientSocket::endSending() {

@@ -38,6 +38,9 @@ public:
     [[nodiscard]] bool hasUnread() const;
     /// Sends as much as fits. What is sent may be held back until more follows, or the end.
     [[nodiscard]] Count send(std::string_view first, std::string_view second);
+    /// Lets the kernel keep no more than a little of what the client is not ready for. It would
+    /// take megabytes, of a memory that all connections of the machine share.
+    void limitUnsent();
     /// Tells the client that nothing follows.
     void endSending();
     /// Ends both directions, so that a wait ends. Any thread.

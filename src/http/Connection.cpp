@@ -53,6 +53,7 @@ void Connection::take(std::string_view bytes) {
 }
 
 void Connection::load() {
+    socket.limitUnsent();
     threads.load([self = shared_from_this()]() mutable {
         if (!self->response.fileToLoad()->load(self->threads.isEnding()))
             self->response = errorResponse(403);

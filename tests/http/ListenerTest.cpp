@@ -85,8 +85,10 @@ TEST_F(Listener, DroppingAServerClosesItsPort) {
 
 TEST_F(Listener, ARequestStillBeingReadEndsWithItsServer) {
     auto dropped = std::make_unique<FileHTTPServer>(root.string(), pool());
-    Client client(dropped->startListener(0).value());
+    const auto port = dropped->startListener(0).value();
+    Client client(port);
     client.send("GET / HTTP/1.1\r\n");
+    ASSERT_TRUE(answers(port, Family::ipv4)); // So the connection before has been accepted.
     dropped.reset();
     client.send("\r\n");
     EXPECT_EQ(client.receiveAll(), "");

@@ -81,7 +81,8 @@ TEST_F(Listing, HeadSendsItsLengthAlone) {
 TEST_F(Listing, OfThousandsIsInOrder) {
     std::vector<std::string> names;
     for (int number = 0; number < 3000; ++number)
-        names.push_back("common-start-" + std::to_string(number * 7919 % 3000) +
+        names.push_back("common-start-" + std::to_string(number % 7) + "-again-" +
+                        std::to_string(number * 7919 % 3000) +
                         (number % 3 == 0   ? "é"
                          : number % 3 == 1 ? ""
                                            : "Z"));
