@@ -91,8 +91,17 @@ class Window:
 
     def form_error(self):
         """The text of the failure that the form shows, None where there is none."""
-        texts = (text for text in self.frame.all("Error", TEXT) if not text.parent.find("Clear"))
-        return next((text.text for text in texts), None)
+        return self.shown_error(beside="Run in background", rather_than="Clear")
+
+    def shown_error(self, beside, rather_than):
+        """The text of the failure that is nearer to one control than to another."""
+        for text in self.frame.all("Error", TEXT):
+            around = text.parent
+            while around and not around.find(beside) and not around.find(rather_than):
+                around = around.parent
+            if around and around.find(beside) and not around.find(rather_than):
+                return text.text
+        return None
 
     def await_form_error(self):
         """The failure of the start that is under way."""
@@ -140,19 +149,13 @@ class Window:
         dialog.await_one(button, "push button").press()
         until("the question to go", lambda: not self.application.find(role="dialog"))
 
-    def banner(self):
-        """The banner over the list, None where there is none."""
-        clear = self.frame.find("Clear", "push button")
-        return clear.parent if clear else None
-
     def error(self):
         """The text of the banner, None where there is none."""
-        banner = self.banner()
-        return banner.find("Error", TEXT).text if banner else None
+        return self.shown_error(beside="Clear", rather_than="Run in background")
 
     def await_error(self):
         return until("an error", self.error)
 
     def clear_error(self):
         self.frame.await_one("Clear", "push button").press()
-        until("the banner to go", lambda: self.banner() is None)
+        until("the banner to go", lambda: self.error() is None)
