@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
+#include "DescriptorLimit.h"
 #include "HttpClient.h"
 #include "ServiceTest.h"
 
 #include <boost/asio/ip/tcp.hpp>
 
-#include <sys/resource.h>
-
 #include <algorithm>
 #include <latch>
+#include <optional>
 #include <vector>
 
 namespace brevane::test {
@@ -137,14 +137,10 @@ TEST_F(ShareOperations, AServerWhoseCommandFailedIsStoppedAndNeverRecorded) {
 
 TEST_F(ShareOperations, AServerThatCannotStartFailsTheAddWithoutACommand) {
     start();
-    rlimit saved{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &saved), 0);
     // No descriptor is left to open a socket with; the limit binds the whole process.
-    rlimit none = saved;
-    none.rlim_cur = 0;
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    auto none = std::make_optional<DescriptorLimit>(0);
     const Outcome added = add(SourceType::directory, folder.path.string());
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &saved), 0);
+    none.reset();
     EXPECT_FALSE(added.success);
     EXPECT_EQ(added.output, "Failed to start file server: Too many open files");
     EXPECT_EQ(*service->lastError, added.output);
