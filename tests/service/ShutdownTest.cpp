@@ -18,28 +18,26 @@ protected:
             std::this_thread::yield();
         return std::stoi(readFile(file));
     }
+
+    // Interrupts an add whose command runs this shell code, and looks for what is left of it.
+    void expectEnded(const std::string& shellCode) {
+        changesDo(shellCode);
+        start();
+        service->add(ServeMode::serve, SourceType::port, "3000", "/", false, completion());
+        const pid_t pid = waitForPid();
+        service->interruptCommands();
+        service.reset();
+        queue.reset();
+        EXPECT_EQ(::kill(pid, 0), -1);
+    }
 };
 
 TEST_F(Shutdown, AnInterruptEndsAHangingCommandAndTheQueueCanBeJoined) {
-    changesDo("echo $$ > \"$0.pid\"; sleep 1000");
-    start();
-    service->add(ServeMode::serve, SourceType::port, "3000", "/", false, completion());
-    const pid_t pid = waitForPid();
-    service->interruptCommands();
-    service.reset();
-    queue.reset();
-    EXPECT_EQ(::kill(pid, 0), -1);
+    expectEnded("echo $$ > \"$0.pid\"; sleep 1000");
 }
 
 TEST_F(Shutdown, ACommandThatIgnoresTheRequestToEndIsKilled) {
-    changesDo("trap '' TERM; echo $$ > \"$0.pid\"; while :; do sleep 1000; done");
-    start();
-    service->add(ServeMode::serve, SourceType::port, "3000", "/", false, completion());
-    const pid_t pid = waitForPid();
-    service->interruptCommands();
-    service.reset();
-    queue.reset();
-    EXPECT_EQ(::kill(pid, 0), -1);
+    expectEnded("trap '' TERM; echo $$ > \"$0.pid\"; while :; do sleep 1000; done");
 }
 
 TEST_F(Shutdown, TheLastReferenceMayGoOnTheQueuesOwnThread) {
