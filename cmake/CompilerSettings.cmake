@@ -15,6 +15,10 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual
 if(BREVANE_WERROR)
   add_compile_options(-Werror)
 endif()
+# Whether the standard library is another one than that which the distribution's libraries are built for.
+if(CMAKE_CXX_FLAGS MATCHES "-stdlib=libc\\+\\+")
+  set(BREVANE_OTHER_LIBRARY ON)
+endif()
 if(BREVANE_SANITIZE)
   add_compile_options(-fsanitize=${BREVANE_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${BREVANE_SANITIZE})

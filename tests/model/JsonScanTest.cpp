@@ -1,46 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "JsonScan.h"
-
 #include "BadDocuments.h"
-#include "JsonDecoding.h"
-#include "RandomJson.h"
+#include "JsonMembers.h"
 
-#include <boost/json/parse.hpp>
 #include <gtest/gtest.h>
-#include <rapidcheck/gtest.h>
 
 #include <array>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 using namespace brevane;
-using namespace std::string_literals;
-namespace json = boost::json;
+using namespace brevane::test;
 
 namespace {
-
-using Members = std::vector<std::pair<std::string, std::string>>;
-
-/// The members that the scanner tells of, in a buffer that ends where the document does.
-std::optional<Members> membersOf(std::string_view document) {
-    const std::vector<char> exact(document.begin(), document.end());
-    Members members;
-    const auto collect = [&](std::string_view key, std::string_view value) {
-        members.emplace_back(key, value);
-    };
-    if (!scanJsonObject({exact.data(), exact.size()}, collect)) return std::nullopt;
-    return members;
-}
-
-/// What Boost says of the document: nothing, if it is an object.
-json::error_code boostError(std::string_view document) {
-    json::error_code error;
-    const json::value value = json::parse(document, error, {}, strictJson());
-    if (!error && !value.is_object()) error = json::error::not_object;
-    return error;
-}
 
 bool isObjectToBoost(std::string_view document) {
     return !boostError(document);
@@ -135,39 +106,4 @@ TEST(ScanJsonObject, AgreesWithBoostOnEveryKindOfEscape) {
         const std::string document = std::string(R"({"":"\)") + static_cast<char>(byte) + "\"}";
         EXPECT_EQ(membersOf(document).has_value(), isObjectToBoost(document)) << byte;
     }
-}
-
-RC_GTEST_PROP(ScanJsonObject, TellsOfTheMembersThatBoostBuilds, ()) {
-    const std::string document = R"({"first":0,"rest":)" + test::randomJson(4) + "}";
-    const auto members = membersOf(document);
-    RC_ASSERT(members.has_value());
-    RC_ASSERT(members->size() == 2U);
-    const json::value whole = json::parse(document);
-    RC_ASSERT(json::parse(members->back().second) == whole.at("rest"));
-}
-
-RC_GTEST_PROP(ScanJsonObject, AgreesWithBoostOnDamagedDocuments, ()) {
-    std::string document = "{\"a\":" + test::randomJson(4) + "}";
-    const int changes = *rc::gen::inRange(1, 4);
-    for (int i = 0; i < changes; ++i) {
-        const auto at = *rc::gen::inRange<std::size_t>(0, document.size());
-        const char byte =
-            *rc::gen::oneOf(rc::gen::arbitrary<char>(),
-                            rc::gen::elementOf("{}[]\",:\\/u09dDeE+-. \n\t\r\0\x80\xC3\xED"s));
-        switch (*rc::gen::inRange(0, 3)) {
-        case 0:
-            document[at] = byte;
-            break;
-        case 1:
-            document.insert(at, 1, byte);
-            break;
-        default:
-            document.erase(at, 1);
-        }
-        if (document.empty()) break;
-    }
-    const json::error_code error = boostError(document);
-    // Boost has to hold a number; to the scanner its digits are enough.
-    RC_PRE(error != json::error::exponent_overflow);
-    RC_ASSERT(membersOf(document).has_value() == !error);
 }

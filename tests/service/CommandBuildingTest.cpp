@@ -5,8 +5,6 @@
 #include "Text.h"
 
 #include <gtest/gtest.h>
-#include <rapidcheck.h>
-#include <rapidcheck/gtest.h>
 
 #include <string>
 
@@ -91,33 +89,6 @@ TEST(BuildPortServeCommand, EndsInTheDecimalPort) {
               "BIN serve --bg --set-path /report.pdf --yes 52731");
     EXPECT_EQ(buildPortServeCommand("BIN", ServeMode::funnel, 52731, "/", false),
               "BIN funnel --yes 52731");
-}
-
-RC_GTEST_PROP(BuildAddCommand, IsTheHeadThenTheTargetForEveryInput,
-              (const std::string& source, const std::string& urlPath, bool background)) {
-    const auto mode = *rc::gen::element(ServeMode::serve, ServeMode::funnel);
-    const auto type = *rc::gen::elementOf(allSourceTypes);
-    const std::string target(trimmedOfWhitespace(source));
-
-    std::string expected = mode == ServeMode::serve ? "BIN serve" : "BIN funnel";
-    if (background) expected += " --bg";
-    if (urlPath != "" && urlPath != "/") expected += " --set-path " + urlPath;
-    expected += " --yes";
-    if (type == SourceType::port) expected += " " + target;
-    if (type == SourceType::httpsInsecure) expected += " https+insecure://localhost:" + target;
-    if (type == SourceType::text) expected += " text:" + shellQuote(target);
-    if (type == SourceType::tcpForward) expected += " --tcp=" + target + " localhost:" + target;
-
-    RC_ASSERT(buildAddCommand("BIN", mode, type, source, urlPath, background) == expected);
-}
-
-RC_GTEST_PROP(BuildPortServeCommand, SharesItsHeadWithTheOtherCommands,
-              (std::uint16_t port, const std::string& urlPath, bool background)) {
-    const auto mode = *rc::gen::element(ServeMode::serve, ServeMode::funnel);
-    const std::string head =
-        buildAddCommand("BIN", mode, SourceType::file, "", urlPath, background);
-    RC_ASSERT(buildPortServeCommand("BIN", mode, port, urlPath, background) ==
-              head + " " + std::to_string(port));
 }
 
 } // namespace
