@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "FolderListing.h"
 
-#include "FolderEntries.h"
-
-#include <algorithm>
-
 namespace brevane {
 
 namespace {
@@ -25,36 +21,41 @@ constexpr std::string_view end = "</ul></body></html>";
 constexpr std::string_view lineStart = "<li><a href=\"";
 constexpr std::string_view folderIcon = "\">📁 ";
 constexpr std::string_view fileIcon = "\">📄 ";
+constexpr std::string_view slash = "/";
 constexpr std::string_view lineEnd = "</a></li>\n";
-constexpr std::size_t lineSize =
-    lineStart.size() + std::max(folderIcon.size(), fileIcon.size()) + lineEnd.size() + 2;
+constexpr std::size_t folderLineSize =
+    lineStart.size() + folderIcon.size() + lineEnd.size() + 2 * slash.size();
+constexpr std::size_t fileLineSize = lineStart.size() + fileIcon.size() + lineEnd.size();
+
+char* put(char* next, const auto&... texts) {
+    ((next += texts.copy(next, texts.size())), ...);
+    return next;
+}
 
 } // namespace
 
-std::string folderListing(const std::string& folder, std::string_view urlPath) {
-    const FolderEntries entries(folder);
-    const std::size_t most = title.size() + style.size() + list.size() + parent.size() +
-                             end.size() + 2 * urlPath.size() + 2 * entries.nameBytes() +
-                             lineSize * entries.size();
-    std::string page;
-    page.resize_and_overwrite(most, [&](char* const begin, std::size_t) {
-        char* next = begin;
-        const auto put = [&next](auto... texts) {
-            ((next = std::ranges::copy(std::string_view(texts), next).out), ...);
-        };
-        put(title, urlPath, style, urlPath, list);
-        if (urlPath != "/") put(parent);
-        for (std::size_t index = 0; index < entries.size(); ++index) {
-            const auto [name, isFolder] = entries[index];
-            if (isFolder)
-                put(lineStart, name, "/", folderIcon, name, "/", lineEnd);
-            else
-                put(lineStart, name, fileIcon, name, lineEnd);
-        }
-        put(end);
-        return next - begin;
-    });
-    return page;
+FolderListing::FolderListing(const std::string& folder, std::string_view path)
+    : entries(folder), urlPath(path) {}
+
+std::size_t FolderListing::size() const {
+    return title.size() + style.size() + list.size() + end.size() + 2 * urlPath.size() +
+           (urlPath == "/" ? 0 : parent.size()) + folderLineSize * entries.folders.size() +
+           2 * entries.folders.byteCount() + fileLineSize * entries.files.size() +
+           2 * entries.files.byteCount();
+}
+
+void FolderListing::write(char* next) const {
+    next = put(next, title, urlPath, style, urlPath, list);
+    if (urlPath != "/") next = put(next, parent);
+    for (std::size_t index = 0; index < entries.folders.size(); ++index) {
+        const std::string_view name = entries.folders[index];
+        next = put(next, lineStart, name, slash, folderIcon, name, slash, lineEnd);
+    }
+    for (std::size_t index = 0; index < entries.files.size(); ++index) {
+        const std::string_view name = entries.files[index];
+        next = put(next, lineStart, name, fileIcon, name, lineEnd);
+    }
+    put(next, end);
 }
 
 } // namespace brevane

@@ -1,14 +1,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "FolderEntries.h"
+
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace brevane {
 
-/// The HTML page that lists what is in `folder`: folders, then files, each by name in code-point
-/// order; hidden files are left out. Names and `urlPath` stand as they are, the names as the file
-/// system's own bytes. A symbolic link is a file. A folder that cannot be read has nothing in it.
-[[nodiscard]] std::string folderListing(const std::string& folder, std::string_view urlPath);
+/// A generated HTML page of what is in a folder (hidden entries left out), folders first. A folder
+/// that cannot be read gives a page without entries. All names stand as they are.
+class FolderListing {
+public:
+    /// `urlPath` is the folder's path as asked for; it must outlive the page.
+    FolderListing(const std::string& folder, std::string_view urlPath);
+
+    [[nodiscard]] std::size_t size() const;
+    /// Writes the page, `size` bytes.
+    void write(char* begin) const;
+
+private:
+    FolderEntries entries;
+    std::string_view urlPath;
+};
 
 } // namespace brevane

@@ -95,9 +95,18 @@ Response fileResponse(const std::string& path, bool headOnly) {
 }
 
 Response listingResponse(const std::string& folder, std::string_view urlPath, bool headOnly) {
-    std::string page = folderListing(folder, urlPath);
+    const FolderListing page(folder, urlPath);
     Response response{headOf("200 OK", "text/html; charset=utf-8", page.size()), {}};
-    if (!headOnly) response.body = std::move(page);
+    if (headOnly) return response;
+    if (page.size() <= smallFileSize) {
+        const auto buffer = fileBuffer().first(page.size());
+        page.write(buffer.data());
+        response.body = std::string_view(buffer.data(), buffer.size());
+    } else {
+        std::string own(page.size(), '\0');
+        page.write(own.data());
+        response.body = std::move(own);
+    }
     return response;
 }
 

@@ -95,5 +95,17 @@ TEST_F(Listing, OfThousandsIsInOrder) {
     EXPECT_EQ(get("/"), listingAnswer("/", lines));
 }
 
+TEST_F(Listing, OfAnyLengthIsSentWhole) {
+    std::string lines;
+    // Past the 256 kB that a thread keeps for a response.
+    for (int number = 1000; number < 1700; ++number) {
+        const std::string name = std::string(196, 'n') + std::to_string(number);
+        writeFile(root / name, "");
+        lines += fileLine(name);
+        if (number % 100 != 99) continue;
+        EXPECT_EQ(get("/"), listingAnswer("/", lines));
+    }
+}
+
 } // namespace
 } // namespace brevane::test

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Response.h"
+#include "TemporaryFolder.h"
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace brevane {
 namespace {
@@ -18,6 +21,13 @@ TEST(ErrorResponse, AnyOtherStatusIsAnError) {
     EXPECT_EQ(response.head, "HTTP/1.1 500 Error\r\nContent-Type: text/plain\r\n"
                              "Content-Length: 9\r\nConnection: close\r\n\r\n");
     EXPECT_EQ(response.bodyBytes(), "500 Error");
+}
+
+TEST(FileResponse, OfAFifoThatHasTakenAFilesPlaceWaitsForNobody) {
+    const test::TemporaryFolder folder;
+    const std::string fifo = folder / "fifo";
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0666), 0);
+    EXPECT_EQ(fileResponse(fifo, false).bodyBytes(), "403 Forbidden");
 }
 
 } // namespace
