@@ -22,11 +22,14 @@ enum class Family { ipv4, ipv6 };
 /// A connection to a local port, on blocking calls; every failure to connect throws.
 class Client {
 public:
-    explicit Client(std::int64_t port, Family family = Family::ipv4)
+    /// `receiveBuffer` limits what the client takes without reading it; the system's rule where 0.
+    explicit Client(std::int64_t port, Family family = Family::ipv4, int receiveBuffer = 0)
         : socket(::socket(family == Family::ipv4 ? AF_INET : AF_INET6, SOCK_STREAM | SOCK_CLOEXEC,
                           0)) {
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        if (receiveBuffer > 0)
+            ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
         if (connectTo(static_cast<std::uint16_t>(port), family) != 0)
             throw std::system_error(errno, std::generic_category(), "connect");
     }
@@ -41,6 +44,12 @@ public:
             sent += static_cast<std::size_t>(count);
         }
         return sent;
+    }
+
+    /// Sends the bytes over and over until the server takes no more for now.
+    void sendUntilFull(std::string_view bytes) {
+        while (::send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT) > 0) {
+        }
     }
 
     /// Tells the server that nothing more will be sent.

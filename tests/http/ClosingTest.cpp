@@ -106,31 +106,6 @@ TEST_F(Closing, ClientsThatResetInTheMiddleHurtNobody) {
     EXPECT_EQ(get("/a.txt"), textFileAnswer("a"));
 }
 
-TEST_F(Closing, ClientsThatNeverReadHoldNobodyUp) {
-    const std::string content(5000000, 'l');
-    writeFile(root / "large.txt", content);
-    std::vector<Client> idle;
-    for (int count = 0; count < 50; ++count) {
-        idle.emplace_back(server.port);
-        idle.back().send("GET /large.txt HTTP/1.1\r\n\r\n");
-    }
-    for (int count = 0; count < 500; ++count)
-        ASSERT_EQ(get("/a.txt"), textFileAnswer("a"));
-    EXPECT_EQ(get("/large.txt"), textFileAnswer(content));
-    EXPECT_EQ(idle.back().receiveAll(), textFileAnswer(content));
-}
-
-TEST_F(Closing, AClientThatReadsByteByByteGetsEverything) {
-    const std::string content(300000, 's');
-    writeFile(root / "slow.txt", content);
-    Client client(server.port);
-    client.send("GET /slow.txt HTTP/1.1\r\n\r\n");
-    std::string answer;
-    while (answer.size() < 5000)
-        answer += client.receive(1);
-    EXPECT_EQ(answer + client.receiveAll(), textFileAnswer(content));
-}
-
 TEST_F(Closing, AnIdleConnectionStaysOpenAndIsAnsweredInTheEnd) {
     Client client(server.port);
     client.send("GET /a.txt HTTP/1.1\r\n");
