@@ -38,10 +38,9 @@ set(CMAKE_OSX_ARCHITECTURES "" CACHE STRING "" FORCE)
 set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "" FORCE)
 set(CMAKE_INSTALL_NAME_TOOL true CACHE FILEPATH "" FORCE)
 
-# Packages: Qt by the stand-in beside this file, Boost by its headers, nothing of the system.
+# Packages: by the stand-ins beside this file, nothing of the system.
 set(Qt6_DIR ${CMAKE_CURRENT_LIST_DIR}/Qt6)
-set(Boost_NO_BOOST_CMAKE ON)
-set(Boost_INCLUDE_DIR ${macos_parts}/include)
+set(Boost_DIR ${CMAKE_CURRENT_LIST_DIR}/Boost)
 set(CMAKE_FIND_ROOT_PATH ${macos_parts}/none)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -1,2 +1,5 @@
 #include <boost/json/src.hpp>
+#include <boost/version.hpp>
+#if BOOST_VERSION < 108200
 #include <boost/url/src.hpp>
+#endif

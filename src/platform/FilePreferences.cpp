@@ -33,7 +33,7 @@ std::expected<fs::path, std::error_code> followedLinks(fs::path file) {
 
 // Nothing where the text is not one JSON object.
 std::optional<json::object> parsedObject(const std::string& text) {
-    json::error_code error;
+    boost::system::error_code error;
     json::value parsed = json::parse(text, error);
     if (error || !parsed.is_object()) return {};
     return std::move(parsed.get_object());

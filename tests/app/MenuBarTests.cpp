@@ -24,9 +24,15 @@ protected:
         field = new QLineEdit("text");
         window.setCentralWidget(field);
         window.show();
-        QApplication::setActiveWindow(&window);
+        activate(window);
         field->setFocus();
         QCoreApplication::processEvents();
+    }
+
+    static void activate(QWidget& widget) {
+        widget.activateWindow();
+        while (!widget.isActiveWindow())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
     static std::string plain(QString text) { return text.remove('&').toStdString(); }
@@ -115,11 +121,11 @@ TEST_F(MenuBarTest, EditItemsWithNothingFocusedDoNothing) {
 TEST_F(MenuBarTest, CloseClosesAndMinimizeMinimizesTheActiveWindow) {
     QWidget other;
     other.show();
-    QApplication::setActiveWindow(&other);
+    activate(other);
     choose("Close");
     EXPECT_FALSE(other.isVisible());
     EXPECT_TRUE(window.isVisible());
-    QApplication::setActiveWindow(&window);
+    activate(window);
     choose("Minimize");
     EXPECT_TRUE(window.isMinimized());
 }

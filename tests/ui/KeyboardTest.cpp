@@ -142,9 +142,9 @@ TEST_F(KeyboardTest, WhatHasTheFocusLooksDifferent) {
         QTest::keyClick(other, Qt::Key_Shift);
         settle();
         const QImage without = control->grab().toImage();
-        // As the key does it, so that the window knows that the keyboard is in use.
-        QTest::keyClick(other, Qt::Key_Tab);
-        control->setFocus(Qt::TabFocusReason);
+        // By the key alone, so that the window knows that the keyboard is in use.
+        for (int steps = 0; steps < 50 && !control->hasFocus(); ++steps)
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         settle();
         EXPECT_NE(control->grab().toImage(), without) << focusName();
     }

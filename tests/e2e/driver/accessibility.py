@@ -57,7 +57,9 @@ class Element:
 
     @property
     def role(self):
-        return quietly(self.accessible.get_role_name) or ""
+        name = quietly(self.accessible.get_role_name) or ""
+        # As later releases of AT-SPI call it.
+        return "push button" if name == "button" else name
 
     @property
     def pid(self):

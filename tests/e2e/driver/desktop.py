@@ -32,6 +32,8 @@ class Desktop:
             "XDG_SESSION_TYPE": "x11",
             "QT_QPA_PLATFORM": "xcb",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
+            # Qt tells of what AT-SPI has that it does not know yet.
+            "QT_LOGGING_RULES": "qt.accessibility.atspi.warning=false",
         }
 
     def __enter__(self):

@@ -1,0 +1,7 @@
+cmake_path(SET header NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../../build/macos/include/boost/version.hpp)
+file(STRINGS ${header} version REGEX "^#define BOOST_LIB_VERSION ")
+string(REGEX REPLACE ".*\"(.*)\".*" "\\1" version "${version}")
+string(REPLACE _ . PACKAGE_VERSION "${version}")
+if(PACKAGE_FIND_VERSION VERSION_LESS_EQUAL PACKAGE_VERSION)
+  set(PACKAGE_VERSION_COMPATIBLE TRUE)
+endif()
