@@ -5,6 +5,7 @@
 #include "ThreadBuffers.h"
 
 #include <utility>
+#include <variant>
 
 namespace brevane {
 
@@ -67,7 +68,7 @@ void Connection::send() {
     const std::string_view body = response.bodyBytes();
     const std::size_t headSent = std::min(sent, head.size());
     const auto count = socket.send(head.substr(headSent), body.substr(sent - headSent, turnSize));
-    if (count == std::unexpected(ClientSocket::Pause::failed)) return;
+    if (count == std::unexpected(ClientSocket::Pause::failed)) return releaseResponse();
 
     sent += count.value_or(0);
     if (sent == head.size() + body.size()) return finish();
@@ -77,7 +78,7 @@ void Connection::send() {
 }
 
 void Connection::finish() {
-    response = {};
+    releaseResponse();
     // Closing with bytes unread or on their way resets the connection, and most clients would lose
     // the response: they are read first, within limits.
     if (!moreFollows && !socket.hasUnread()) return;
@@ -87,6 +88,13 @@ void Connection::finish() {
         if (const auto self = connection.lock()) self->socket.abort();
     });
     drain();
+}
+
+void Connection::releaseResponse() {
+    // To unmap a large file takes milliseconds, in which small ones would wait.
+    if (std::holds_alternative<LargeFile>(response.body))
+        threads.load([released = std::move(response)] {});
+    response = {};
 }
 
 void Connection::drain() {

@@ -31,6 +31,7 @@ private:
     void load();
     void send();
     void finish();
+    void releaseResponse();
     void drain();
 
     using Clock = std::chrono::steady_clock;
