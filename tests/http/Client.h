@@ -58,25 +58,37 @@ public:
     /// At most `most` bytes; empty at the end, also where it comes as a reset.
     std::string receive(std::size_t most) {
         std::string bytes(most, '\0');
-        const auto count = ::recv(socket.get(), bytes.data(), bytes.size(), 0);
-        bytes.resize(count < 0 ? 0 : static_cast<std::size_t>(count));
+        bytes.resize(receiveInto(bytes));
         return bytes;
     }
 
     /// All that comes until the end.
     std::string receiveAll() {
         std::string all;
-        for (;;) {
-            const std::string bytes = receive(256 * 1024);
-            if (bytes.empty()) return all;
-            all += bytes;
-        }
+        std::string bytes(256 * 1024, '\0');
+        while (const std::size_t count = receiveInto(bytes))
+            all.append(bytes, 0, count);
+        return all;
+    }
+
+    /// How much comes until the end.
+    std::size_t countAll() {
+        std::size_t all = 0;
+        std::string bytes(256 * 1024, '\0');
+        while (const std::size_t count = receiveInto(bytes))
+            all += count;
+        return all;
     }
 
     [[nodiscard]] int descriptor() const { return socket.get(); }
     void close() { socket.close(); }
 
 private:
+    std::size_t receiveInto(std::span<char> buffer) {
+        const auto count = ::recv(socket.get(), buffer.data(), buffer.size(), 0);
+        return count < 0 ? 0 : static_cast<std::size_t>(count);
+    }
+
     int connectTo(std::uint16_t port, Family family) {
         if (family == Family::ipv4) {
             sockaddr_in address{};
