@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "WireTest.h"
 
+#include <poll.h>
+
+#include <ctime>
+
 namespace brevane::test {
 namespace {
 
@@ -26,6 +30,15 @@ protected:
         for (int count = 0; count < 100; ++count)
             ASSERT_EQ(get("/a.txt"), textFileAnswer("a"));
         ASSERT_TRUE(get("/large.txt") == whole);
+    }
+
+    // The server can neither send nor is it to receive any more.
+    std::vector<Client> clientsThatSendABody() {
+        auto clients =
+            clientsThatAsk("GET /large.txt HTTP/1.1\r\nContent-Length: 1000000000\r\n\r\n");
+        for (Client& client : clients)
+            client.sendUntilFull(content);
+        return clients;
     }
 
     const std::string content = std::string(5000000, 'l');
@@ -57,6 +70,29 @@ TEST_F(SlowReaders, ThatSendABodyMeanwhileHoldNobodyUpAndCanHaveTheirResponse) {
     expectOthersAreServed();
     for (Client& client : clients)
         EXPECT_TRUE(client.receiveAll() == whole);
+}
+
+TEST_F(SlowReaders, ThatSendABodyMeanwhileCostNoProcessorTime) {
+    auto clients = clientsThatSendABody();
+    expectOthersAreServed();
+    const std::clock_t before = std::clock();
+    pollfd closed{.fd = clients.back().descriptor(), .events = 0, .revents = 0};
+    EXPECT_EQ(::poll(&closed, 1, 300), 0);
+    EXPECT_LT(std::clock() - before, CLOCKS_PER_SEC / 10) << "processor time of 0.3 seconds";
+}
+
+TEST_F(SlowReaders, ThatSendSomethingShortlyBeforeTheEndGetEverything) {
+    Client client(server.port, Family::ipv4, 4096);
+    client.send("GET /large.txt HTTP/1.1\r\n\r\n");
+    std::string answer;
+    while (answer.size() < whole.size() - 60000)
+        answer += client.receive(4096);
+    // The server has handed on all of it meanwhile, and would reset a connection that it has
+    // closed.
+    expectOthersAreServed();
+    client.send("more");
+    expectOthersAreServed();
+    EXPECT_TRUE(answer + client.receiveAll() == whole);
 }
 
 TEST_F(SlowReaders, ThatReadByteByByteGetEverything) {
