@@ -23,14 +23,13 @@ bool isFolder(DIR* folder, const dirent& entry) {
 }
 
 bool isHidden([[maybe_unused]] DIR* folder, const dirent& entry) {
-    if (entry.d_name[0] == '.') return true;
 #ifdef __APPLE__
     struct stat found {};
-    return ::fstatat(::dirfd(folder), entry.d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 &&
-           (found.st_flags & UF_HIDDEN) != 0;
-#else
-    return false;
+    if (::fstatat(::dirfd(folder), entry.d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+        (found.st_flags & UF_HIDDEN) != 0)
+        return true;
 #endif
+    return entry.d_name[0] == '.';
 }
 
 } // namespace

@@ -12,7 +12,7 @@ namespace brevane {
 
 namespace {
 
-constexpr std::string_view lineEnd = "\r\n";
+constexpr std::string_view endOfLine = "\r\n";
 constexpr std::string_view blankLine = "\r\n\r\n";
 
 bool isAscii(std::string_view text) {
@@ -28,8 +28,8 @@ bool isField(std::string_view line, std::string_view name) {
 
 // Whether a body is framed (RFC 9112, section 6). `head` ends with the line end of its last line.
 bool announcesBody(std::string_view head) {
-    for (auto end = head.find(lineEnd); end != head.npos; end = head.find(lineEnd)) {
-        head.remove_prefix(end + lineEnd.size());
+    for (auto end = head.find(endOfLine); end != head.npos; end = head.find(endOfLine)) {
+        head.remove_prefix(end + endOfLine.size());
         if (isField(head, "content-length") || isField(head, "transfer-encoding")) return true;
     }
     return false;
@@ -39,7 +39,7 @@ std::string percentDecoded(std::string_view target) {
     if (!target.contains('%')) return std::string(target);
     const auto escaped = boost::urls::make_pct_string_view(target);
     if (escaped.has_error()) return std::string(target);
-    std::string decoded = escaped->decode();
+    const std::string decoded = escaped->decode();
     return isUtf8(decoded) ? decoded : std::string(target);
 }
 
@@ -53,7 +53,7 @@ std::optional<std::expected<RequestHead, int>> parseRequestHead(std::string_view
     if (end == received.npos) return std::nullopt;
 
     std::string converted;
-    std::string_view line = received.substr(0, received.find(lineEnd));
+    std::string_view line = received.substr(0, received.find(endOfLine));
     if (!isAscii(line) && !isUtf8(received)) line = converted = utf8FromLatin1(line);
 
     const std::size_t methodEnd = line.find(' ');
@@ -66,7 +66,7 @@ std::optional<std::expected<RequestHead, int>> parseRequestHead(std::string_view
     target = target.substr(0, target.find('?'));
 
     const std::size_t length = end + blankLine.size();
-    const std::string_view head = received.substr(0, end + lineEnd.size());
+    const std::string_view head = received.substr(0, end + endOfLine.size());
     return RequestHead{.headOnly = method == "HEAD",
                        .path = percentDecoded(target),
                        .moreFollows = received.size() > length || announcesBody(head)};

@@ -51,6 +51,7 @@ struct Attributes {
         sigset_t all;
         sigemptyset(&none);
         sigfillset(&all);
+        // NOLINTNEXTLINE(misc-const-correctness): it grows on macOS.
         int flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP;
 #ifdef __APPLE__
         flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;

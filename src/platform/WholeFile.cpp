@@ -29,7 +29,7 @@ std::error_code makeFolder(const fs::path& folder) {
 }
 
 std::error_code writeToDisk(const fs::path& file, std::string_view bytes) {
-    Descriptor output(
+    const Descriptor output(
         open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, ownersFile));
     if (!output.isOpen()) return lastSystemError();
     // One that was left behind has the mode that it had.

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+// NOLINTNEXTLINE(readability-redundant-declaration): not every system's headers have it.
 extern char** environ;
 
 namespace brevane {

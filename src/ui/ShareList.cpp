@@ -35,6 +35,7 @@ void ShareList::setShares(std::vector<ServeEntry> newEntries,
                           ManagedServers::InfoMap managedServers) {
     // Where each row, and the topmost share in view, will be found again.
     std::vector<std::optional<ShareKey>> keys;
+    keys.reserve(rows.size());
     for (const Row& row : rows)
         keys.push_back(row.index ? std::optional(shareKey(entries, *row.index)) : std::nullopt);
     const int scroll = verticalScrollBar()->value();

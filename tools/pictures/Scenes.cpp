@@ -86,8 +86,10 @@ void longNames(Stage& stage) {
 }
 
 void many(Stage& stage) {
+    constexpr int count = 40;
     std::vector<ServeEntry> entries;
-    for (int i = 0; i < 40; ++i)
+    entries.reserve(count);
+    for (int i = 0; i < count; ++i)
         entries.push_back(share(std::string(host) + ":443", "/app" + std::to_string(i),
                                 HandlerType::proxy, "http://127.0.0.1:" + std::to_string(3000 + i),
                                 i >= 8));

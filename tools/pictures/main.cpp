@@ -18,7 +18,7 @@ using namespace brevane::pictures;
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
+    const QApplication application(argc, argv);
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 2) {
         qWarning("Usage: pictures FOLDER [NAME]...");
