@@ -12,6 +12,9 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
                     -Woverloaded-virtual -Wimplicit-fallthrough)
+# Functions of libraries that nothing calls take up memory too.
+add_compile_options(-ffunction-sections -fdata-sections)
+add_link_options($<IF:$<PLATFORM_ID:Darwin>,-Wl$<COMMA>-dead_strip,-Wl$<COMMA>--gc-sections>)
 if(BREVANE_WERROR)
   add_compile_options(-Werror)
 endif()

@@ -1,20 +1,23 @@
 // SPDX-License-Identifier: MIT
 //
-// Brevane's main window as the application opens it, on a tailscale of the benchmark's.
+// Brevane as its main program starts it, on a tailscale of the benchmark's.
 //
 // Usage: brevane-window TAILSCALE start|list|inside
 
+#include "AppDelegate.h"
 #include "Clock.h"
-#include "ContentView.h"
+#include "Configuration.h"
+#include "FontList.h"
 #include "Inside.h"
-#include "MenuBar.h"
 #include "NextFrame.h"
+#include "Preferences.h"
 #include "QtMainQueue.h"
+#include "SerialQueue.h"
+#include "ServerPool.h"
 #include "ShareList.h"
 #include "Theme.h"
 
 #include <QMainWindow>
-#include <QMenuBar>
 
 #include <string_view>
 
@@ -43,24 +46,20 @@ void endInTwoSeconds() {
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
     const std::string_view mode = argv[2];
+    const auto fonts = readFontList();
     const QApplication application(argc, argv);
     const Theme look;
     ServerPool pool;
     NoPreferences preferences;
     QtMainQueue mainQueue;
     SerialQueue queue("tailscale");
-    const auto service = TailscaleService::create({argv[1], "/bin/zsh", "/usr/bin:/bin"}, mainQueue,
-                                                  queue, preferences, pool);
-    QMainWindow window;
-    fillMenuBar(
-        *window.menuBar(), [] {}, [] {});
-    auto* content = new ContentView(*service, mainQueue);
-    window.setCentralWidget(content);
-    window.setMinimumSize(640, 500);
-    window.resize(800, 640);
+    const Configuration configuration{argv[1], "/bin/zsh", "/usr/bin:/bin"};
+    AppDelegate delegate({configuration, mainQueue, queue, preferences, pool});
+    delegate.applicationDidFinishLaunching();
+    QMainWindow& window = *delegate.window;
 
     NextFrame firstFrame(window);
-    NextFrame firstRow(*content->findChild<ShareList*>()->viewport());
+    NextFrame firstRow(*window.findChild<ShareList*>()->viewport());
     if (mode == "start")
         firstFrame.then([] {
             report("first_frame", sinceExec());
@@ -71,10 +70,7 @@ int main(int argc, char** argv) {
             report("first_list_10k", sinceExec());
             QApplication::exit();
         });
-    if (mode == "inside") QTimer::singleShot(0, &window, [&] { measureInside(window, *service); });
-    window.show();
-    service->refresh();
-    const int status = QApplication::exec();
-    service->interruptCommands();
-    return status;
+    if (mode == "inside")
+        QTimer::singleShot(0, &window, [&] { measureInside(window, *delegate.service); });
+    return QApplication::exec();
 }

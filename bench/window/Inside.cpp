@@ -36,10 +36,9 @@ void turnUntil(const std::function<bool()>& condition) {
         QApplication::processEvents(QEventLoop::WaitForMoreEvents);
 }
 void turnFor(double milliseconds) {
-    const double end = now() + milliseconds;
     bool ended = false;
-    QTimer::singleShot(static_cast<int>(milliseconds), [&] { ended = true; });
-    turnUntil([&] { return ended && now() >= end - 1; });
+    QTimer::singleShot(static_cast<int>(milliseconds), Qt::PreciseTimer, [&] { ended = true; });
+    turnUntil([&] { return ended; });
 }
 
 std::vector<ServeEntry> shares(int count, int generation) {

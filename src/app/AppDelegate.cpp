@@ -6,12 +6,16 @@
 #include "MenuBar.h"
 #include "TailscaleIcon.h"
 #include "TailscaleService.h"
+#include "Theme.h"
 #include "WindowPlacement.h"
 
 #include <QApplication>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QPainter>
+#include <QPixmap>
+#include <QSvgRenderer>
 
 namespace brevane {
 
@@ -22,9 +26,17 @@ void setApplicationIcon() {
     const QIcon icon = TailscaleIcon::installed();
     if (!icon.isNull()) QApplication::setWindowIcon(icon);
 #else
+    // Drawn here: to read a picture file, Qt would first load every format that it knows.
+    QSvgRenderer drawing(QString(":/icon/brevane.svg"));
     QIcon icon;
-    for (const int size : {16, 32, 48, 128})
-        icon.addFile(QString(":/icon/brevane-%1.png").arg(size), {size, size});
+    for (const int size : {16, 32, 48, 128}) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        drawing.render(&painter);
+        painter.end();
+        icon.addPixmap(pixmap);
+    }
     QApplication::setWindowIcon(icon);
 #endif
 }
@@ -38,13 +50,14 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    setupMenu();
-    setApplicationIcon();
     service =
-        TailscaleService::create(Configuration::compiledIn(), environment.mainQueue,
+        TailscaleService::create(environment.configuration, environment.mainQueue,
                                  environment.queue, environment.preferences, environment.pool);
     window = std::make_unique<QMainWindow>();
     window->setCentralWidget(new ContentView(*service, environment.mainQueue));
+    // A menu bar waits for the session bus, so it is made when that has had time to answer.
+    setupMenu();
+    setApplicationIcon();
 #ifndef __APPLE__
     window->setMenuBar(menuBar.release());
 #endif
@@ -53,6 +66,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     window->resize(800, 640);
     centre(*window);
     QApplication::setQuitOnLastWindowClosed(applicationShouldTerminateAfterLastWindowClosed());
+    theme().awaitDesktop();
     bringToFront(*window);
     service->refresh();
 }

@@ -9,6 +9,7 @@ class QMenuBar;
 namespace brevane {
 
 class AboutPanel;
+struct Configuration;
 class MainQueue;
 class Preferences;
 class SerialQueue;
@@ -21,6 +22,7 @@ public:
     /// What the service works with. It all outlives the delegate, which however does not wait for a
     /// command under way: destroying the queue does.
     struct Environment {
+        const Configuration& configuration;
         MainQueue& mainQueue;
         SerialQueue& queue;
         Preferences& preferences;
@@ -54,12 +56,12 @@ private:
     void setupMenu();
 
     Environment environment;
-    std::shared_ptr<TailscaleService> service;
     std::unique_ptr<QMenuBar> menuBar;
 
 public:
-    std::unique_ptr<QMainWindow> window;    ///< the main window, for the application's lifetime
-    std::unique_ptr<AboutPanel> aboutPanel; ///< the About panel, none until first shown
+    std::shared_ptr<TailscaleService> service; ///< none before the launch
+    std::unique_ptr<QMainWindow> window;       ///< the main window, for the application's lifetime
+    std::unique_ptr<AboutPanel> aboutPanel;    ///< the About panel, none until first shown
 };
 
 } // namespace brevane

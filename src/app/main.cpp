@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppDelegate.h"
 #include "CommandLine.h"
+#include "Configuration.h"
 #include "FileHTTPServer.h"
+#include "FontList.h"
 #include "Preferences.h"
 #include "QtMainQueue.h"
 #include "QuitSignals.h"
@@ -46,6 +48,7 @@ std::function<void()> endCommands;
 int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaunched) {
     QApplication::setApplicationName("Brevane");
     QApplication::setDesktopFileName("com.brevane.brevane");
+    const auto fonts = readFontList();
     const QApplication application(argc, argv);
     const QuitSignals quitSignals([] { QApplication::exit(); });
     const Theme theme;
@@ -55,7 +58,8 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     const auto preferences = makeUserPreferences();
     QtMainQueue mainQueue;
     auto queue = std::make_unique<SerialQueue>("tailscale");
-    AppDelegate delegate({mainQueue, *queue, *preferences, pool});
+    const Configuration configuration = Configuration::compiledIn();
+    AppDelegate delegate({configuration, mainQueue, *queue, *preferences, pool});
 
     // Qt ends the process on the spot when the display goes away.
     endCommands = [&] {

@@ -67,6 +67,10 @@ void AddServeView::setSource(const QString& text) {
     source->setText(text);
 }
 
+void AddServeView::focusSource() {
+    source->setFocus();
+}
+
 void AddServeView::pickPath() {
     const bool forFolder = draft.sourceType == SourceType::directory;
     auto* panel = new QFileDialog(this);

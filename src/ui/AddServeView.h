@@ -33,6 +33,9 @@ public:
     /// Whether new shares are serves or funnels, which is chosen elsewhere.
     void setMode(ServeMode mode);
 
+    /// Gives the keyboard to the field that a share begins with.
+    void focusSource();
+
     /// Opens the desktop's file chooser for a file or a folder. Returns at once.
     void pickPath();
 

@@ -58,6 +58,7 @@ ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, 
     managedServersObservation = service.managedServerInfo.willChange.subscribe(redrawEntries);
     observation = service.objectWillChange.subscribe([this] { scheduleRedraw(); });
     redraw();
+    form->focusSource();
 }
 
 ContentView::~ContentView() = default;

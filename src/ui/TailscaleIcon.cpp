@@ -6,7 +6,35 @@
 
 #include <QPainter>
 
+#ifndef __APPLE__
+#include <QFile>
+#include <QStringList>
+
+#include <algorithm>
+
+#include <glob.h>
+#endif
+
 namespace brevane {
+
+#ifndef __APPLE__
+namespace {
+
+/// Whether some icon theme has an application icon of this name. To find one icon, Qt reads the
+/// whole theme, which takes as long as laying out the window; looking for the file does not.
+bool someThemeHas(const QString& name) {
+    const QString files = QStringLiteral("/*/{*/apps,apps/*}/%1.{svg,png,xpm}").arg(name);
+    const QStringList folders = QIcon::themeSearchPaths();
+    return std::ranges::any_of(folders, [&](const QString& folder) {
+        glob_t found{};
+        const bool has = glob(QFile::encodeName(folder + files), GLOB_BRACE, nullptr, &found) == 0;
+        globfree(&found);
+        return has;
+    });
+}
+
+} // namespace
+#endif
 
 TailscaleIcon::TailscaleIcon(int size, QWidget* parent) : QWidget(parent) {
     setFixedSize(size, size);
@@ -18,7 +46,8 @@ QIcon TailscaleIcon::installed() {
     const QIcon icon(QStringLiteral("/Applications/Tailscale.app/Contents/Resources/AppIcon.icns"));
     return icon.availableSizes().isEmpty() ? QIcon() : icon;
 #else
-    return QIcon::fromTheme(QStringLiteral("tailscale"));
+    const QString name = QStringLiteral("tailscale");
+    return someThemeHas(name) ? QIcon::fromTheme(name) : QIcon();
 #endif
 }
 

@@ -64,6 +64,10 @@ TEST_F(KeyboardTest, TabVisitsEveryControlInTheOrderOfReading) {
     EXPECT_EQ(roundWith(Qt::Key_Tab), order);
 }
 
+TEST_F(KeyboardTest, TheSourceFieldHasTheKeyboardFirst) {
+    EXPECT_EQ(focusName(), "File Path");
+}
+
 TEST_F(KeyboardTest, BacktabVisitsThemInTheOtherOrder) {
     button("Start Serve")->setFocus(Qt::TabFocusReason);
     EXPECT_EQ(roundWith(Qt::Key_Backtab), std::vector(order.rbegin(), order.rend()));

@@ -3,8 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
+#include <QFile>
 #include <QIcon>
 #include <QImage>
+#include <QTemporaryDir>
 
 #include <algorithm>
 
@@ -33,6 +36,27 @@ TEST(TailscaleIcon, WithoutTheApplicationAFallbackIsDrawn) {
     // The symbol's dot.
     EXPECT_EQ(image.pixelColor(50, 50), QColor(Qt::white));
 }
+
+#ifndef __APPLE__
+TEST(TailscaleIcon, AThemesIconOfThatNameIsDrawn) {
+    const QTemporaryDir themes;
+    const QString apps = themes.filePath("some-theme/48x48/apps");
+    ASSERT_TRUE(QDir().mkpath(apps));
+    QFile index(themes.filePath("some-theme/index.theme"));
+    ASSERT_TRUE(index.open(QIODevice::WriteOnly));
+    index.write("[Icon Theme]\nName=Some\nComment=Some\nDirectories=48x48/apps\n"
+                "[48x48/apps]\nSize=48\nType=Fixed\nContext=Applications\n");
+    index.close();
+    QImage picture(48, 48, QImage::Format_RGB32);
+    picture.fill(Qt::magenta);
+    ASSERT_TRUE(picture.save(apps + "/tailscale.png"));
+    const QStringList folders = QIcon::themeSearchPaths();
+    QIcon::setThemeSearchPaths({themes.path()});
+    QIcon::setThemeName("some-theme");
+    EXPECT_EQ(pictureOf(48).pixelColor(1, 1), QColor(Qt::magenta));
+    QIcon::setThemeSearchPaths(folders);
+}
+#endif
 
 TEST(TailscaleIcon, TheFallbacksSymbolKeepsWithinTheMiddle) {
     const QImage image = pictureOf(100);

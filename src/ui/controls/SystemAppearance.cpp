@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "SystemAppearance.h"
 
+#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QPalette>
 #include <QStyleHints>
@@ -26,7 +27,7 @@ SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
             [this](Qt::ColorScheme scheme) { setDark(scheme == Qt::ColorScheme::Dark); });
 }
 
-void SystemAppearance::askPortal() {}
+void SystemAppearance::awaitFirstAnswer() {}
 void SystemAppearance::portalSettingChanged(const QString&, const QString&, const QDBusVariant&) {}
 
 #else
@@ -42,15 +43,29 @@ constexpr auto schemeKey = "color-scheme";
 // flashing in the wrong scheme.
 constexpr int firstAnswerWithinMs = 50;
 
+QDBusMessage readScheme(bool mayStartPortal) {
+    auto read = QDBusMessage::createMethodCall(portal, portalPath, settings, "Read");
+    read << appearanceGroup << schemeKey;
+    read.setAutoStartService(mayStartPortal);
+    return read;
+}
+
 } // namespace
 
 SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
     const QPalette palette = QGuiApplication::palette();
     dark = palette.color(QPalette::Window).lightness() <
            palette.color(QPalette::WindowText).lightness();
-    askPortal();
+    // Connecting to the bus takes a while, in which the window can be made.
+    asking = std::async(std::launch::async, [this] { askPortal(); });
 }
 
+void SystemAppearance::awaitFirstAnswer() {
+    asking.wait();
+    QCoreApplication::sendPostedEvents(this);
+}
+
+// On a thread of its own.
 void SystemAppearance::askPortal() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
@@ -59,16 +74,19 @@ void SystemAppearance::askPortal() {
     bus.connect(portal, portalPath, settings, "SettingChanged", this,
                 SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
 
-    auto read = QDBusMessage::createMethodCall(portal, portalPath, settings, "Read");
-    read << appearanceGroup << schemeKey;
-    read.setAutoStartService(false);
-    const QDBusReply<QDBusVariant> answer = bus.call(read, QDBus::Block, firstAnswerWithinMs);
-    if (answer.isValid()) {
-        portalSettingChanged(appearanceGroup, schemeKey, answer.value());
-        return;
-    }
-    read.setAutoStartService(true);
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(read), this);
+    const QDBusReply<QDBusVariant> answer =
+        bus.call(readScheme(false), QDBus::Block, firstAnswerWithinMs);
+    QMetaObject::invokeMethod(this, [this, answer] {
+        if (answer.isValid())
+            portalSettingChanged(appearanceGroup, schemeKey, answer.value());
+        else
+            startPortal();
+    });
+}
+
+void SystemAppearance::startPortal() {
+    auto* watcher = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(readScheme(true)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
         const QDBusPendingReply<QDBusVariant> reply = *watcher;
         watcher->deleteLater();

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QString>
 
+#include <future>
+
 class QDBusVariant;
 
 namespace brevane {
@@ -18,6 +20,10 @@ public:
 
     [[nodiscard]] bool isDark() const { return dark; }
 
+    /// Waits for the portal's first answer, which otherwise comes with the events: at most a
+    /// twentieth of a second from when the session bus is there.
+    void awaitFirstAnswer();
+
 Q_SIGNALS:
     void changed();
 
@@ -27,8 +33,10 @@ private Q_SLOTS:
 private:
     void setDark(bool isDark);
     void askPortal();
+    void startPortal();
 
     bool dark = false;
+    std::future<void> asking;
 };
 
 } // namespace brevane

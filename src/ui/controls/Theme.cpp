@@ -90,6 +90,10 @@ QFont Theme::font(TextStyle style) const {
     return font;
 }
 
+void Theme::awaitDesktop() const {
+    if (appearance != nullptr) appearance->awaitFirstAnswer();
+}
+
 void Theme::setDark(bool isDark) {
     if (dark == isDark) return;
     dark = isDark;

@@ -69,6 +69,9 @@ public:
     /// The box in which a symbol of a system font size is drawn.
     [[nodiscard]] int symbolSize(int fontSize = 13) const;
 
+    /// Waits for the desktop to say whether it is light or dark, so that the first frame is right.
+    void awaitDesktop() const;
+
     /// Leaves the desktop's scheme for a fixed one.
     void setDark(bool isDark);
 
