@@ -22,14 +22,18 @@ enum class Family { ipv4, ipv6 };
 /// A connection to a local port, on blocking calls; every failure to connect throws.
 class Client {
 public:
-    /// `receiveBuffer` limits what the client takes without reading it; the system's rule where 0.
-    explicit Client(std::int64_t port, Family family = Family::ipv4, int receiveBuffer = 0)
+    /// `receiveBuffer` limits what the client takes without reading it, `segment` the size of what
+    /// is sent to it and with that how much the server's system takes; the system's rule where 0.
+    explicit Client(std::int64_t port, Family family = Family::ipv4, int receiveBuffer = 0,
+                    int segment = 0)
         : socket(::socket(family == Family::ipv4 ? AF_INET : AF_INET6, SOCK_STREAM | SOCK_CLOEXEC,
                           0)) {
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         if (receiveBuffer > 0)
             ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
+        if (segment > 0)
+            ::setsockopt(socket.get(), IPPROTO_TCP, TCP_MAXSEG, &segment, sizeof segment);
         if (connectTo(static_cast<std::uint16_t>(port), family) != 0)
             throw std::system_error(errno, std::generic_category(), "connect");
     }

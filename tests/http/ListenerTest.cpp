@@ -121,31 +121,42 @@ TEST_F(Listener, AListenerThatFailsClearsIsRunning) {
     server.listener->cancel();
 }
 
-// Leaves the calling thread with a network of its own that has no IPv6. False where that is not
-// allowed.
-bool enterNetworkWithoutIpv6() {
+// Leaves the calling thread with a network of its own in which this setting of IPv6 is on. False
+// where that is not allowed.
+bool enterNetwork(const std::string& setting) {
     if (::unshare(CLONE_NEWNET) != 0) return false;
     const Descriptor any(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     ifreq loopback{};
     loopback.ifr_name[0] = 'l';
     loopback.ifr_name[1] = 'o';
     loopback.ifr_flags = IFF_UP;
-    std::ofstream("/proc/sys/net/ipv6/conf/all/disable_ipv6") << 1;
+    std::ofstream("/proc/sys/net/ipv6/" + setting) << 1;
     return ::ioctl(any.get(), SIOCSIFFLAGS, &loopback) == 0;
 }
 
-TEST_F(Listener, ListensOnIpv4AloneWhereThereIsNoIpv6) {
-    bool allowed = false;
-    std::thread([&] {
-        allowed = enterNetworkWithoutIpv6();
-        if (!allowed) return;
-        FileHTTPServer alone(root.string(), pool());
-        const auto port = alone.startListener(0);
-        ASSERT_TRUE(port) << port.error().message();
-        EXPECT_TRUE(answers(*port, Family::ipv4));
-        EXPECT_FALSE(answers(*port, Family::ipv6));
-    }).join();
-    if (!allowed) GTEST_SKIP() << "making a network takes root's rights";
+class ListenerInItsOwnNetwork : public WireTest {
+protected:
+    void expectAnswers(const std::string& setting, bool overIpv6) {
+        bool allowed = false;
+        std::thread([&] {
+            allowed = enterNetwork(setting);
+            if (!allowed) return;
+            FileHTTPServer alone(root.string(), pool());
+            const auto port = alone.startListener(0);
+            ASSERT_TRUE(port) << port.error().message();
+            EXPECT_TRUE(answers(*port, Family::ipv4));
+            EXPECT_EQ(answers(*port, Family::ipv6), overIpv6);
+        }).join();
+        if (!allowed) GTEST_SKIP() << "making a network takes root's rights";
+    }
+};
+
+TEST_F(ListenerInItsOwnNetwork, ListensOnIpv4AloneWhereThereIsNoIpv6) {
+    expectAnswers("conf/all/disable_ipv6", false);
+}
+
+TEST_F(ListenerInItsOwnNetwork, ListensOnBothStacksAlsoWhereTheSystemKeepsThemApart) {
+    expectAnswers("bindv6only", true);
 }
 #endif
 

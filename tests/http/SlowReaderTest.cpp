@@ -95,6 +95,21 @@ TEST_F(SlowReaders, ThatSendSomethingShortlyBeforeTheEndGetEverything) {
     EXPECT_TRUE(answer + client.receiveAll() == whole);
 }
 
+TEST_F(SlowReaders, OfASmallFileGetItsBytesThoughOthersAreReadMeanwhile) {
+    const std::string small(200000, 's');
+    writeFile(root / "small.txt", small);
+    writeFile(root / "other.txt", std::string(200000, 'o'));
+    std::vector<Client> clients;
+    for (int count = 0; count < 20; ++count) {
+        clients.emplace_back(server.port, Family::ipv4, 4096, 536);
+        clients.back().send("GET /small.txt HTTP/1.1\r\n\r\n");
+    }
+    for (int count = 0; count < 100; ++count)
+        ASSERT_TRUE(get("/other.txt").ends_with("oo"));
+    for (Client& client : clients)
+        EXPECT_TRUE(client.receiveAll() == textFileAnswer(small));
+}
+
 TEST_F(SlowReaders, ThatReadByteByByteGetEverything) {
     Client client(server.port);
     client.send("GET /large.txt HTTP/1.1\r\n\r\n");
