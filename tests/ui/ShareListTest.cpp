@@ -165,6 +165,7 @@ TEST_F(ShareListTest, AmongAlikeSharesTheFocusStaysWithTheSameOccurrence) {
 }
 
 TEST_F(ShareListTest, AnOpenQuestionStaysWithItsShare) {
+    changesDo("sleep 1000");
     publish({entry("/a"), entry("/b")});
     row(1)->confirmStop();
     settle();
