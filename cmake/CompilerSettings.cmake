@@ -15,6 +15,11 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual
 # Functions of libraries that nothing calls take up memory too.
 add_compile_options(-ffunction-sections -fdata-sections)
 add_link_options($<IF:$<PLATFORM_ID:Darwin>,-Wl$<COMMA>-dead_strip,-Wl$<COMMA>--gc-sections>)
+include(CheckLinkerFlag)
+check_linker_flag(CXX -Wl,-z,pack-relative-relocs HAS_PACKED_RELOCATIONS)
+if(HAS_PACKED_RELOCATIONS)
+  add_link_options(-Wl,-z,pack-relative-relocs)
+endif()
 if(BREVANE_WERROR)
   add_compile_options(-Werror)
 endif()

@@ -29,7 +29,7 @@ void setApplicationIcon() {
     // Drawn here: to read a picture file, Qt would first load every format that it knows.
     QSvgRenderer drawing(QString(":/icon/brevane.svg"));
     QIcon icon;
-    for (const int size : {16, 32, 48, 128}) {
+    for (const int size : {16, 32, 48, 64}) {
         QPixmap pixmap(size, size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);

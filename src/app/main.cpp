@@ -19,9 +19,9 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <iostream>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -83,7 +83,7 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
 int main(int argc, char** argv) {
     const std::vector<std::string_view> arguments(argv + 1, argv + argc);
     if (const auto answer = answerCommandLine(arguments)) {
-        (answer->status == 0 ? std::cout : std::cerr) << answer->text;
+        std::fputs(answer->text.c_str(), answer->status == 0 ? stdout : stderr);
         return answer->status;
     }
     // A client that hangs up is an error of writing to it, and commands are waited for, whatever
@@ -100,7 +100,7 @@ int main(int argc, char** argv) {
     case SingleInstance::Claim::otherAsked:
         return EXIT_SUCCESS;
     case SingleInstance::Claim::noAnswer:
-        std::cerr << "brevane: it is running already, but does not answer\n";
+        std::fputs("brevane: it is running already, but does not answer\n", stderr);
         return EXIT_FAILURE;
     case SingleInstance::Claim::first:
         break;

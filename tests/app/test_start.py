@@ -61,7 +61,7 @@ def test_desktop_file_and_window_class_agree_and_the_window_has_an_icon(user):
     entry = dict(line.split("=", 1) for line in DESKTOP_FILE.read_text().splitlines() if "=" in line)
     assert re.search(r'WM_CLASS\(STRING\) = "\S+", "(\S+)"', shown)[1] == entry["StartupWMClass"]
     assert entry["Icon"] == DESKTOP_FILE.stem
-    assert "Icon (128 x 128)" in shown
+    assert "Icon (64 x 64)" in shown
 
 
 def test_one_refresh_is_asked_for_at_the_start(user):
