@@ -74,3 +74,8 @@ def resident(pid):
             if line.startswith("VmRSS:"):
                 total += int(line.split()[1])
     return total
+
+
+def descriptors(pid):
+    """Open ones of the process and its descendants."""
+    return sum(len(os.listdir(f"/proc/{process}/fd")) for process in family(pid))
