@@ -1,5 +1,5 @@
 // Boost.URL includes <iostream> and uses nothing of it. Without it the program neither sets up the
-// standard streams nor touches the locales behind them: a third of a megabyte.
+// standard streams nor touches the locales behind them: a quarter of a megabyte.
 #include <istream>
 #include <ostream>
 #ifdef __GLIBCXX__
