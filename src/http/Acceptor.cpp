@@ -3,17 +3,13 @@
 
 #include "Connection.h"
 
-#include <boost/asio/defer.hpp>
-#include <boost/asio/dispatch.hpp>
 #include <boost/asio/ip/v6_only.hpp>
-#include <boost/asio/post.hpp>
-#include <boost/asio/use_future.hpp>
 
 #include <fcntl.h>
 #include <sys/socket.h>
 
 #include <cerrno>
-#include <future>
+#include <utility>
 
 namespace brevane {
 
@@ -45,7 +41,7 @@ enum class Trouble { none, passing, shortage, fatal };
 // What accept(2) may report, sorted by what helps.
 Trouble troubleOf(int error) {
     switch (error) {
-    case EAGAIN: // Another thread of control has taken it, or the client has gone.
+    case EAGAIN: // The client has gone.
     case ECONNABORTED:
     case EINTR:
         return Trouble::passing;
@@ -62,8 +58,8 @@ Trouble troubleOf(int error) {
 } // namespace
 
 Acceptor::Acceptor(const std::shared_ptr<const ServedFolder>& served, std::atomic<bool>& isRunning)
-    : threads(served->threads), folder(served), running(isRunning),
-      socket(Strand(threads.handlers())), pauseTimer(socket.get_executor()) {}
+    : threads(served->threads), folder(served), running(isRunning), socket(threads.handlers()),
+      pauseTimer(threads.handlers()) {}
 
 std::error_code Acceptor::listen(std::uint16_t port) {
     boost::system::error_code error = listenOn({tcp::v6(), port});
@@ -94,15 +90,16 @@ std::uint16_t Acceptor::port() const {
 }
 
 void Acceptor::start() {
-    boost::asio::post(socket.get_executor(), [self = shared_from_this()] { self->wait(); });
+    const std::scoped_lock lock(mutex);
+    wait();
 }
 
 void Acceptor::stop() {
-    boost::asio::post(socket.get_executor(), boost::asio::use_future([this] { close(); })).wait();
+    const std::scoped_lock lock(mutex);
+    close();
 }
 
 void Acceptor::wait() {
-    if (!socket.is_open()) return;
     socket.async_wait(Socket::wait_read,
                       [self = shared_from_this()](boost::system::error_code error) {
                           if (!error) self->accept();
@@ -110,30 +107,30 @@ void Acceptor::wait() {
 }
 
 void Acceptor::accept() {
-    if (!socket.is_open()) return;
+    Descriptor accepted = takeConnection();
+    if (accepted.isOpen())
+        std::make_shared<Connection>(std::move(accepted), threads, folder)->receive();
+}
+
+Descriptor Acceptor::takeConnection() {
+    const std::scoped_lock lock(mutex);
+    if (!socket.is_open()) return {};
     Descriptor accepted = acceptFrom(socket.native_handle());
-    if (!accepted.isOpen()) {
-        switch (troubleOf(errno)) {
-        case Trouble::shortage:
-            return pause();
-        case Trouble::fatal:
-            return close();
-        default:
-            return wait();
-        }
-    }
-    // Another thread may accept the next one while this one is served.
-    wait();
-    auto connection = std::make_shared<Connection>(std::move(accepted), threads, folder);
-    boost::asio::defer(threads.handlers(),
-                       [connection = std::move(connection)] { connection->receive(); });
+    const Trouble trouble = accepted.isOpen() ? Trouble::none : troubleOf(errno);
+    if (trouble == Trouble::fatal)
+        close();
+    else if (trouble == Trouble::shortage)
+        pause();
+    else
+        wait(); // Another thread may accept the next one while this one is served.
+    return accepted;
 }
 
 void Acceptor::pause() {
     // The connection stays acceptable, so that waiting for it would spin.
     pauseTimer.expires_after(pauseTime);
     pauseTimer.async_wait([self = shared_from_this()](boost::system::error_code error) {
-        if (!error) self->wait();
+        if (!error) self->accept();
     });
 }
 

@@ -1,22 +1,23 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Descriptor.h"
 #include "ServedFolder.h"
 
 #include <boost/asio/basic_socket_acceptor.hpp>
 #include <boost/asio/basic_waitable_timer.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/strand.hpp>
 
 #include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <system_error>
 
 namespace brevane {
 
-/// Accepts the connections of one server. Everything but `listen` happens on one strand.
+/// Accepts the connections of one server; the thread that accepts one serves it.
 class Acceptor : public std::enable_shared_from_this<Acceptor> {
 public:
     /// `isRunning` is cleared when the socket closes, and not touched afterwards.
@@ -30,24 +31,27 @@ public:
 
     /// Begins to accept.
     void start();
-    /// Closes the socket and returns when that is done.
+    /// Closes the socket; nothing is accepted after that. Any thread.
     void stop();
 
 private:
-    using Strand = boost::asio::strand<Executor>;
-    using Socket = boost::asio::basic_socket_acceptor<boost::asio::ip::tcp, Strand>;
+    using Socket = boost::asio::basic_socket_acceptor<boost::asio::ip::tcp, Executor>;
     using Clock = std::chrono::steady_clock;
-    using Timer = boost::asio::basic_waitable_timer<Clock, boost::asio::wait_traits<Clock>, Strand>;
+    using Timer =
+        boost::asio::basic_waitable_timer<Clock, boost::asio::wait_traits<Clock>, Executor>;
 
     [[nodiscard]] boost::system::error_code listenOn(const boost::asio::ip::tcp::endpoint& address);
-    void wait();
     void accept();
+    Descriptor takeConnection();
+    // The rest with the mutex held.
+    void wait();
     void pause();
     void close();
 
     ServerThreads& threads;
     std::weak_ptr<const ServedFolder> folder;
     std::atomic<bool>& running;
+    std::mutex mutex; // of what follows
     Socket socket;
     Timer pauseTimer;
 };

@@ -8,10 +8,7 @@
 namespace brevane {
 
 std::optional<std::string> resolvedPath(std::string_view root, std::string_view requestPath) {
-    std::string path;
-    path.reserve(root.size() + 1 + requestPath.size());
-    path.append(root).append("/").append(requestPath);
-    path = standardizedPath(path);
+    std::string path = standardizedPath(root, requestPath);
     if (!path.starts_with(root)) return std::nullopt;
     return path;
 }

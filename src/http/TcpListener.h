@@ -8,7 +8,7 @@ class TcpListener {
 public:
     virtual ~TcpListener() = default;
     /// Closes the socket at once and returns when no connection can be accepted any more.
-    /// Responses under way finish. Any thread but the pool's own.
+    /// Responses under way finish. Any thread.
     virtual void cancel() = 0;
 };
 

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <filesystem>
 #include <system_error>
-#include <vector>
 
 namespace brevane {
 
@@ -20,33 +19,25 @@ std::string_view withoutFinalSlashes(std::string_view path) {
 } // namespace
 
 std::string standardizedPath(std::string_view path) {
-    std::string absolute;
-    if (!path.starts_with('/')) {
-        std::error_code unknown;
-        absolute = std::filesystem::current_path(unknown).native() + '/';
-    }
-    absolute += path;
+    if (path.starts_with('/')) return standardizedPath("/", path);
+    std::error_code unknown;
+    return standardizedPath(std::filesystem::current_path(unknown).native(), path);
+}
 
-    std::vector<std::string_view> components;
-    std::string_view rest = absolute;
-    while (!rest.empty()) {
-        const std::string_view component = rest.substr(0, rest.find('/'));
-        rest.remove_prefix(std::min(component.size() + 1, rest.size()));
+std::string standardizedPath(std::string_view folder, std::string_view path) {
+    std::string standardized; // without the final slash, so that "/" is empty
+    standardized.reserve(folder.size() + path.size() + 1);
+    if (folder != "/") standardized = folder;
+    while (!path.empty()) {
+        const std::string_view component = path.substr(0, path.find('/'));
+        path.remove_prefix(std::min(component.size() + 1, path.size()));
         if (component.empty() || component == ".") continue;
-        if (component != "..") {
-            components.push_back(component);
-        } else if (!components.empty()) {
-            components.pop_back();
-        }
+        if (component != "..")
+            standardized.append("/").append(component);
+        else if (!standardized.empty())
+            standardized.resize(standardized.rfind('/'));
     }
-
-    if (components.empty()) return "/";
-    std::string standardized;
-    for (const std::string_view component : components) {
-        standardized += '/';
-        standardized += component;
-    }
-    return standardized;
+    return standardized.empty() ? "/" : standardized;
 }
 
 std::string_view lastPathComponent(std::string_view path) {

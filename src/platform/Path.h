@@ -14,6 +14,9 @@ namespace brevane {
 /// a slash.
 [[nodiscard]] std::string standardizedPath(std::string_view path);
 
+/// The same of "FOLDER/PATH", for a folder whose path is standardized.
+[[nodiscard]] std::string standardizedPath(std::string_view folder, std::string_view path);
+
 /// The last component: "b" of "/a/b" and of "/a/b/"; "/" of "/"; empty of the empty path.
 [[nodiscard]] std::string_view lastPathComponent(std::string_view path);
 

@@ -42,6 +42,16 @@ TEST(StandardizedPath, StartsARelativePathAtTheCurrentFolder) {
     EXPECT_EQ(standardizedPath("x/.."), here);
 }
 
+TEST(StandardizedPath, BelowAFolderIsThatOfTheJoinedPath) {
+    EXPECT_EQ(standardizedPath("/a/b", "c"), "/a/b/c");
+    EXPECT_EQ(standardizedPath("/a/b", "/c//./d/"), "/a/b/c/d");
+    EXPECT_EQ(standardizedPath("/a/b", ""), "/a/b");
+    EXPECT_EQ(standardizedPath("/a/b", "../c/../../d"), "/d");
+    EXPECT_EQ(standardizedPath("/a/b", "../../.."), "/");
+    EXPECT_EQ(standardizedPath("/", "c"), "/c");
+    EXPECT_EQ(standardizedPath("/", "/"), "/");
+}
+
 TEST(StandardizedPath, KeepsBytesThatAreNotUtf8) {
     EXPECT_EQ(standardizedPath("/a\xFF/\xC3"), "/a\xFF/\xC3");
 }
