@@ -45,22 +45,36 @@ class Bench:
             ["taskset", "--cpu-list", str(machine.processors()[1]), str(self.build / "bench/http-client"),
              *map(str, options), str(port), path], stdout=subprocess.PIPE, text=True)
 
-    def slice(self, server, path, *options):
+    def slice(self, server, path, *options, beside=()):
         """One run of the client with what the server used for it; again while others use the
-        processors, up to six times, of which the quietest counts."""
+        processors, up to six times, of which the quietest counts. `beside`: path and options of a
+        second client, which is at work before the first begins and until after it has ended."""
         best = None
         for _ in range(6):
-            used, busy, begun = machine.processor_time(server.pid), machine.busy_time(), time.monotonic()
-            result = json.loads(self.client(server.port, path, *options).communicate()[0])
-            elapsed = time.monotonic() - begun
-            result["server"] = machine.processor_time(server.pid) - used
-            others = machine.busy_time() - busy - result["server"] - result["cpu"]
-            result["foreign"] = max(0.0, others) / (elapsed * os.cpu_count())
+            second = self.client(server.port, *beside) if beside else None
+            if second:
+                time.sleep(0.4)
+            result = self.observe(server, second, path, *options)
+            if second:
+                second.communicate()
             if best is None or result["foreign"] < best["foreign"]:
                 best = result
             if result["foreign"] <= self.foreign:
                 break
         return best
+
+    def observe(self, server, second, path, *options):
+        def used():
+            return [machine.processor_time(process.pid) for process in (server, second) if process]
+
+        before, busy, begun = used(), machine.busy_time(), time.monotonic()
+        result = json.loads(self.client(server.port, path, *options).communicate()[0])
+        elapsed = time.monotonic() - begun
+        after = used()
+        result["server"] = after[0] - before[0]
+        others = machine.busy_time() - busy - (sum(after) - sum(before)) - result["cpu"]
+        result["foreign"] = max(0.0, others) / (elapsed * os.cpu_count())
+        return result
 
 
 def comparison(name, unit, digits, values):
@@ -76,6 +90,9 @@ def comparison(name, unit, digits, values):
 class Load:
     """Slices of one kind of request, the servers in turns."""
 
+    beside = ()
+    slices = 1  # per round
+
     def __init__(self, name, unit, figure, path, options, without=(), status=200):
         self.name, self.unit, self.figure, self.path = name, unit, figure, path
         self.options, self.without, self.status = options, without, status
@@ -83,7 +100,7 @@ class Load:
     def run(self, bench, servers):
         chosen = {name: server for name, server in servers.items() if name not in self.without}
         samples = {name: [] for name in chosen}
-        for turn in range(bench.rounds + 1):
+        for turn in range(bench.rounds * self.slices + 1):
             order = list(chosen) if turn % 2 else list(reversed(chosen))
             for name in order:
                 result = self.sample(bench, chosen[name])
@@ -94,18 +111,19 @@ class Load:
 
     def sample(self, bench, server):
         options = [option if option != "SLICE" else bench.seconds for option in self.options]
-        return bench.slice(server, self.path, "-s", self.status, *options)
+        return bench.slice(server, self.path, "-s", self.status, *options, beside=self.beside)
+
+
+class Tail(Load):
+    """Shorter slices and more of them: a single interruption of the machine decides a slice's tail."""
+
+    slices = 3
 
 
 class Mixed(Load):
     """Small requests beside two clients that download a large file over and over."""
 
-    def sample(self, bench, server):
-        large = bench.client(server.port, "/1g.bin", "-c", 2, "-d", 3)
-        time.sleep(0.4)
-        result = super().sample(bench, server)
-        large.communicate()
-        return result
+    beside = ("/1g.bin", "-c", 2, "-d", 3)
 
 
 class Idle:
@@ -214,7 +232,7 @@ ALL = [
     Load("http.list.rate", "1/s", requests_per_second, "/list/", ("-c", 8, "-d", "SLICE"), without=("limit",)),
     Load("http.10m.rate", "MB/s", megabytes_per_second, "/10m.bin", ("-c", 4, "-d", "SLICE"), without=("limit",)),
     Load("http.1g.rate", "MB/s", megabytes_per_second, "/1g.bin", ("-c", 1, "-n", 1, "-d", 60), without=("limit",)),
-    Load("http.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 4000, "-d", 1.5), without=("limit", *SLOW)),
+    Tail("http.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 4000, "-d", 0.5), without=("limit", *SLOW)),
     Mixed("http.mixed.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 300, "-d", 2), without=("limit", *SLOW)),
     Idle(),
     BesideIdle(),
