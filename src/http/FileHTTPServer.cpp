@@ -5,6 +5,8 @@
 #include "Path.h"
 #include "ServedFolder.h"
 
+#include <boost/system/system_error.hpp>
+
 namespace brevane {
 
 namespace {
@@ -23,8 +25,8 @@ private:
 
 } // namespace
 
-FileHTTPServer::FileHTTPServer(std::string_view directory, ServerPool& pool)
-    : folder(std::make_shared<ServedFolder>(standardizedPath(directory), *pool.threads)) {}
+FileHTTPServer::FileHTTPServer(std::string_view directory, ServerPool& serverPool)
+    : root(standardizedPath(directory)), pool(serverPool) {}
 
 FileHTTPServer::~FileHTTPServer() {
     listener.reset();
@@ -32,6 +34,13 @@ FileHTTPServer::~FileHTTPServer() {
 
 std::expected<std::int64_t, std::error_code>
 FileHTTPServer::startListener(std::uint16_t requestedPort) {
+    try {
+        if (!folder) folder = std::make_shared<ServedFolder>(root, pool.start());
+    } catch (const std::system_error& failure) {
+        return std::unexpected(failure.code());
+    } catch (const boost::system::system_error& failure) {
+        return std::unexpected(std::error_code(failure.code()));
+    }
     auto acceptor = std::make_shared<Acceptor>(folder, isRunning);
     if (const std::error_code error = acceptor->listen(requestedPort))
         return std::unexpected(error);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <expected>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <system_error>
 
@@ -30,7 +31,8 @@ public:
 
     /// Listens on `requestedPort` of every local address, 0 for a free one that the system picks,
     /// and returns the port. Blocks until connections are accepted. The error of the operating
-    /// system, whose message says what is wrong, where the port cannot be had.
+    /// system, whose message says what is wrong, where the port cannot be had, or the pool's
+    /// threads.
     [[nodiscard]] std::expected<std::int64_t, std::error_code>
     startListener(std::uint16_t requestedPort);
 
@@ -41,7 +43,9 @@ public:
         listener; ///< none until `startListener`; not to outlive the server
 
 private:
-    std::shared_ptr<const ServedFolder> folder;
+    std::string root;
+    ServerPool& pool;
+    std::shared_ptr<const ServedFolder> folder; ///< none until `startListener`
 };
 
 } // namespace brevane

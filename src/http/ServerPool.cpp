@@ -5,8 +5,14 @@
 
 namespace brevane {
 
-ServerPool::ServerPool() : threads(std::make_unique<ServerThreads>()) {}
+ServerPool::ServerPool() = default;
 
 ServerPool::~ServerPool() = default;
+
+ServerThreads& ServerPool::start() {
+    const std::scoped_lock lock(mutex);
+    if (!threads) threads = std::make_unique<ServerThreads>();
+    return *threads;
+}
 
 } // namespace brevane

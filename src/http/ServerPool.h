@@ -2,15 +2,16 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 
 namespace brevane {
 
 class ServerThreads;
 
-/// The threads that all file servers share. Outlives every server.
+/// The threads that all file servers share, from the first server's start on. Outlives every
+/// server.
 class ServerPool {
 public:
-    /// Starts as many threads as there are processors.
     ServerPool();
     /// Closes what is still open and joins the threads.
     ~ServerPool();
@@ -19,6 +20,11 @@ public:
 
 private:
     friend class FileHTTPServer;
+
+    // Throws the operating system's error where it has no thread or descriptor left. Any thread.
+    [[nodiscard]] ServerThreads& start();
+
+    std::mutex mutex;
     std::unique_ptr<ServerThreads> threads;
 };
 

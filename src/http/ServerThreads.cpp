@@ -25,26 +25,7 @@ unsigned processors() {
     return std::max(1U, std::thread::hardware_concurrency());
 }
 
-} // namespace
-
-ServerThreads::ServerThreads()
-    : context(static_cast<int>(processors())), work(context.get_executor()), loaders(processors()) {
-    // The event loop takes its descriptors now; when the first server starts, none may be left.
-    const boost::asio::basic_stream_socket<boost::asio::ip::tcp, Executor> first(context);
-    for (unsigned count = processors(); count > 0; --count)
-        threads.emplace_back([this] { run(); });
-}
-
-ServerThreads::~ServerThreads() {
-    ending = true;
-    context.stop();
-    for (std::thread& thread : threads)
-        thread.join();
-    loaders.stop();
-    loaders.join();
-}
-
-void ServerThreads::run() {
+void run(boost::asio::io_context& context) {
     for (;;) {
         try {
             context.run();
@@ -53,6 +34,30 @@ void ServerThreads::run() {
             // The connection that asked for too much memory was closed; the others are served on.
         }
     }
+}
+
+} // namespace
+
+ServerThreads::ServerThreads(unsigned count)
+    : context(static_cast<int>(count)), loading(static_cast<int>(count)),
+      work(context.get_executor()), loadingWork(loading.get_executor()) {}
+
+// Where it throws, the destructor joins what has been started.
+ServerThreads::ServerThreads() : ServerThreads(processors()) {
+    // The event loop takes its descriptors now; when the first connection comes, none may be left.
+    const boost::asio::basic_stream_socket<boost::asio::ip::tcp, Executor> first(context);
+    for (unsigned count = processors(); count > 0; --count) {
+        threads.emplace_back([this] { run(context); });
+        threads.emplace_back([this] { run(loading); });
+    }
+}
+
+ServerThreads::~ServerThreads() {
+    ending = true;
+    context.stop();
+    loading.stop();
+    for (std::thread& thread : threads)
+        thread.join();
 }
 
 } // namespace brevane

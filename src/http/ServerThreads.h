@@ -4,7 +4,6 @@
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/thread_pool.hpp>
 
 #include <atomic>
 #include <thread>
@@ -18,9 +17,11 @@ namespace brevane {
 using Executor = boost::asio::io_context::executor_type;
 
 /// What a server pool is made of: handlers, which serve connections and never wait, and loaders,
-/// which may wait for the disk to bring a large file.
+/// which may wait for the disk to bring a large file. As many of each as there are processors.
 class ServerThreads {
 public:
+    /// Throws std::system_error or boost::system::system_error where there is no thread or
+    /// descriptor left.
     ServerThreads();
     ~ServerThreads();
     ServerThreads(const ServerThreads&) = delete;
@@ -31,19 +32,20 @@ public:
     /// Runs `task` on a loader.
     template <class Task>
     void load(Task task) {
-        boost::asio::post(loaders, std::move(task));
+        boost::asio::post(loading, std::move(task));
     }
 
     /// Set when the pool ends: a loader gives up then.
     [[nodiscard]] const std::atomic<bool>& isEnding() const { return ending; }
 
 private:
-    void run();
+    explicit ServerThreads(unsigned count);
 
     std::atomic<bool> ending = false;
     boost::asio::io_context context;
+    boost::asio::io_context loading; // its tasks post to the other one, so it is destroyed first
     boost::asio::executor_work_guard<Executor> work;
-    boost::asio::thread_pool loaders; // its tasks post to the context, so it is destroyed first
+    boost::asio::executor_work_guard<Executor> loadingWork;
     std::vector<std::thread> threads;
 };
 

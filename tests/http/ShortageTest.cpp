@@ -54,6 +54,26 @@ TEST_F(Shortage, WithoutADescriptorForItAFileIsForbidden) {
     EXPECT_EQ(folderPage, listingAnswer("/", ""));
 }
 
+TEST_F(Shortage, FailsTheFirstServersStartWhichCanBeTriedAgain) {
+    writeFile(root / "a.txt", "a");
+    ServerPool unused;
+    FileHTTPServer first(root.native(), unused);
+    int left = 0;
+    for (bool started = false; !started; ++left) {
+        const DescriptorLimit limit(lowestFreeDescriptor() + left);
+        const auto port = first.startListener(0);
+        started = port.has_value();
+        if (!started) {
+            EXPECT_EQ(port.error(), std::errc::too_many_files_open);
+        }
+        EXPECT_EQ(first.isRunning, started);
+    }
+    EXPECT_GT(left, 2);
+    EXPECT_EQ(answerTo(first.port, std::array<std::string_view, 1>{"GET /a.txt HTTP/1.1\r\n\r\n"},
+                       Family::ipv4),
+              textFileAnswer("a"));
+}
+
 TEST_F(Shortage, DoesNotKeepAServerFromStopping) {
     const std::int64_t port = server.port;
     std::vector<Client> waiting;
