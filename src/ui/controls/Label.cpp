@@ -40,6 +40,21 @@ QSize Label::minimumSizeHint() const {
     return elided ? QSize(0, fontMetrics().height()) : QLabel::minimumSizeHint();
 }
 
+int Label::heightForWidth(int width) const {
+    if (measuredText != text()) {
+        measuredText = text();
+        heights.clear();
+    }
+    const auto known = heights.find(width);
+    if (known != heights.end()) return known->second;
+    return heights[width] = QLabel::heightForWidth(width);
+}
+
+void Label::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    heights.clear();
+}
+
 void Label::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(theme().color(color));

@@ -5,6 +5,8 @@
 
 #include <QLabel>
 
+#include <map>
+
 namespace brevane {
 
 /// Plain text in one of the theme's styles and colours, which it follows. Wraps, or stays on one
@@ -26,8 +28,10 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -37,6 +41,10 @@ private:
     TextStyle style;
     ColorRole color;
     bool elided = false;
+
+    // Layouts ask for the same heights many times over, and breaking lines takes long.
+    mutable std::map<int, int> heights; // by width
+    mutable QString measuredText;
 };
 
 } // namespace brevane
