@@ -3,6 +3,7 @@
 
 #include "AboutPanel.h"
 #include "ContentView.h"
+#include "FirstFrame.h"
 #include "MenuBar.h"
 #include "TailscaleIcon.h"
 #include "TailscaleService.h"
@@ -17,9 +18,13 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
+#include <chrono>
+
 namespace brevane {
 
 namespace {
+
+constexpr auto firstFramePatience = std::chrono::milliseconds(100);
 
 void setApplicationIcon() {
 #ifdef __APPLE__
@@ -50,6 +55,10 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
+    // The first control that screen readers hear of waits for the session bus, which is being asked
+    // meanwhile. What does not need it comes first.
+    setApplicationIcon();
+    theme().loadFonts();
     service =
         TailscaleService::create(environment.configuration, environment.mainQueue,
                                  environment.queue, environment.preferences, environment.pool);
@@ -57,7 +66,6 @@ void AppDelegate::applicationDidFinishLaunching() {
     window->setCentralWidget(new ContentView(*service, environment.mainQueue));
     // A menu bar waits for the session bus, so it is made when that has had time to answer.
     setupMenu();
-    setApplicationIcon();
 #ifndef __APPLE__
     window->setMenuBar(menuBar.release());
 #endif
@@ -68,7 +76,8 @@ void AppDelegate::applicationDidFinishLaunching() {
     QApplication::setQuitOnLastWindowClosed(applicationShouldTerminateAfterLastWindowClosed());
     theme().awaitDesktop();
     bringToFront(*window);
-    service->refresh();
+    // The commands would compete with the first frame for the processors.
+    afterFirstFrame(*window, firstFramePatience, [this] { service->refresh(); });
 }
 
 void AppDelegate::activate() {

@@ -35,7 +35,8 @@ public:
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// Makes menu bar, service and window, shows the window and asks the service for a refresh.
+    /// Makes menu bar, service and window, shows the window and, once it has been drawn, asks the
+    /// service for a refresh.
     void applicationDidFinishLaunching();
 
     [[nodiscard]] static bool applicationShouldTerminateAfterLastWindowClosed() { return true; }

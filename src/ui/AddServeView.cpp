@@ -32,6 +32,8 @@ AddServeView::AddServeView(TailscaleService& ownService,
                            std::function<void(const QString&)> addedAction, QWidget* parent)
     : Surface(&Colors::window, 1, 0, parent), service(ownService), onAdded(std::move(addedAction)) {
     setAcceptDrops(true);
+    setFont(theme().font(TextStyle::body));
+    connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
     makeControls();
     layOut();
     connect(sourceType, &PopUp::currentIndexChanged, this,

@@ -51,7 +51,6 @@ void AddServeView::makeControls() {
     urlPath->setAccessibleName(tr("URL Path (optional)"));
     urlPathHint = makeCaption();
     background = new QCheckBox(tr("Run in background"));
-    background->setFont(theme().font(TextStyle::body));
     background->setChecked(draft.background);
     preview = new SelectableText(tr("Preview"), TextStyle::code, &Colors::text, 6);
     errorText = new SelectableText(tr("Error"), TextStyle::caption, &Colors::orange, 12);
@@ -125,6 +124,9 @@ void AddServeView::layOut() {
     pathSection = makePathSection();
     previewSection = makePreview();
     errorRow = makeErrorRow();
+    // Nothing is measured for what has nothing to show yet.
+    previewSection->hide();
+    errorRow->hide();
 
     auto* content = new QWidget;
     auto* form = new QVBoxLayout(content);

@@ -39,8 +39,12 @@ ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, 
     : QWidget(parent), service(ownService), mainQueue(ownMainQueue) {
     split = new QSplitter;
     split->setChildrenCollapsible(false);
-    split->addWidget(makeLeftPane());
-    split->addWidget(makeRightPane());
+    QWidget* const left = makeLeftPane();
+    QWidget* const right = makeRightPane();
+    // A splitter measures what it gets: it should be what will be shown.
+    redraw();
+    split->addWidget(left);
+    split->addWidget(right);
     split->setStretchFactor(0, 1);
     split->setStretchFactor(1, 0);
     split->setSizes({leftIdeal, rightIdeal});
@@ -57,7 +61,6 @@ ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, 
     entriesObservation = service.entries.willChange.subscribe(redrawEntries);
     managedServersObservation = service.managedServerInfo.willChange.subscribe(redrawEntries);
     observation = service.objectWillChange.subscribe([this] { scheduleRedraw(); });
-    redraw();
     form->focusSource();
 }
 

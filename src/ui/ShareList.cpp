@@ -127,7 +127,8 @@ std::size_t ShareList::firstShareBelow(int y) const {
 void ShareList::layOut() {
     const int height = viewport()->height();
     verticalScrollBar()->setPageStep(height);
-    verticalScrollBar()->setSingleStep(ShareRowView::rowHeight() / 2);
+    // Without a row there is no need to load its fonts.
+    if (!entries.empty()) verticalScrollBar()->setSingleStep(ShareRowView::rowHeight() / 2);
     verticalScrollBar()->setRange(0, std::max(0, contentHeight() - height));
     const int y = verticalScrollBar()->value();
     const std::size_t first = firstShareBelow(y);

@@ -23,7 +23,7 @@ namespace {
 /// Whether some icon theme has an application icon of this name. To find one icon, Qt reads the
 /// whole theme, which takes as long as laying out the window; looking for the file does not.
 bool someThemeHas(const QString& name) {
-    const QString files = QStringLiteral("/*/{*/apps,apps/*}/%1.{svg,png,xpm}").arg(name);
+    const QString files = QStringLiteral("/*/{*/apps,apps/*}/%1.*").arg(name);
     const QStringList folders = QIcon::themeSearchPaths();
     return std::ranges::any_of(folders, [&](const QString& folder) {
         glob_t found{};

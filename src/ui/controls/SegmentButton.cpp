@@ -13,9 +13,8 @@ SegmentButton::SegmentButton(const QString& label, QWidget* parent) : Button(par
     setCheckable(true);
     setAutoExclusive(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-    setFont(theme().font(TextStyle::rowTitle));
-    connect(&theme(), &Theme::changed, this,
-            [this] { setFont(theme().font(TextStyle::rowTitle)); });
+    setFont(theme().font(TextStyle::body));
+    connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
 }
 
 QSize SegmentButton::sizeHint() const {

@@ -132,19 +132,20 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
 QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                               const QWidget* widget) const {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
-    const int lineHeight = option ? option->fontMetrics.height() : 0;
+    // Asked only where it counts, since it loads the font.
+    const auto lineHeight = [option] { return option ? option->fontMetrics.height() : 0; };
     switch (type) {
     case CT_LineEdit:
     case CT_ComboBox:
-        result.setHeight(std::max(theme().scaled(28), lineHeight + 10));
+        result.setHeight(std::max(theme().scaled(28), lineHeight() + 10));
         break;
     case CT_MenuBarItem:
-        result.setHeight(std::max(26, lineHeight + 8));
+        result.setHeight(std::max(26, lineHeight() + 8));
         break;
     case CT_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             const bool separator = item->menuItemType == QStyleOptionMenuItem::Separator;
-            result = {result.width() + 20, separator ? 9 : std::max(24, lineHeight + 8)};
+            result = {result.width() + 20, separator ? 9 : std::max(24, lineHeight() + 8)};
         }
         break;
     default:

@@ -7,7 +7,8 @@
 #include <QApplication>
 #include <QEvent>
 #include <QFontDatabase>
-#include <QFontInfo>
+#include <QFontMetrics>
+#include <QScreen>
 #include <QToolTip>
 
 #include <algorithm>
@@ -40,6 +41,12 @@ constexpr std::array<std::pair<TextStyle, Type>, 11> types{{
     {TextStyle::code, {11, QFont::Normal, true}},
 }};
 
+// QFontInfo would load the font to tell.
+double pixelSize(const QFont& font) {
+    if (font.pixelSize() > 0) return font.pixelSize();
+    return font.pointSizeF() * QGuiApplication::primaryScreen()->logicalDotsPerInchY() / 72;
+}
+
 } // namespace
 
 Theme::Theme(Scheme scheme) : dark(scheme == Scheme::dark) {
@@ -67,7 +74,7 @@ const Theme& Theme::current() {
 
 double Theme::textScale() const {
     constexpr double tenPoints = 10 * 96.0 / 72;
-    return std::max(1.0, QFontInfo(QApplication::font()).pixelSize() / tenPoints);
+    return std::max(1.0, pixelSize(QApplication::font()) / tenPoints);
 }
 
 int Theme::scaled(int length) const {
@@ -88,6 +95,13 @@ QFont Theme::font(TextStyle style) const {
     if (style == TextStyle::section || style == TextStyle::tag)
         font.setLetterSpacing(QFont::AbsoluteSpacing, 0.4);
     return font;
+}
+
+void Theme::loadFonts() const {
+    for (const auto style :
+         {TextStyle::headline, TextStyle::subheadline, TextStyle::body, TextStyle::callout,
+          TextStyle::caption, TextStyle::section, TextStyle::button, TextStyle::field})
+        static_cast<void>(QFontMetrics(font(style)).horizontalAdvance(QStringLiteral("Share")));
 }
 
 void Theme::awaitDesktop() const {

@@ -69,6 +69,10 @@ public:
     /// The box in which a symbol of a system font size is drawn.
     [[nodiscard]] int symbolSize(int fontSize = 13) const;
 
+    /// Loads the fonts that the window begins with, which a control would else do when it is
+    /// measured.
+    void loadFonts() const;
+
     /// Waits for the desktop to say whether it is light or dark, so that the first frame is right.
     void awaitDesktop() const;
 
