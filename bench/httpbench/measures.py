@@ -88,14 +88,14 @@ def comparison(name, unit, digits, values):
 
 
 class Load:
-    """Slices of one kind of request, the servers in turns."""
+    """Slices of one kind of request, the servers in turns; several per round where one interruption of
+    the machine decides a slice."""
 
     beside = ()
-    slices = 1  # per round
 
-    def __init__(self, name, unit, figure, path, options, without=(), status=200):
+    def __init__(self, name, unit, figure, path, options, without=(), status=200, slices=1):
         self.name, self.unit, self.figure, self.path = name, unit, figure, path
-        self.options, self.without, self.status = options, without, status
+        self.options, self.without, self.status, self.slices = options, without, status, slices
 
     def run(self, bench, servers):
         chosen = {name: server for name, server in servers.items() if name not in self.without}
@@ -112,12 +112,6 @@ class Load:
     def sample(self, bench, server):
         options = [option if option != "SLICE" else bench.seconds for option in self.options]
         return bench.slice(server, self.path, "-s", self.status, *options, beside=self.beside)
-
-
-class Tail(Load):
-    """Shorter slices and more of them: a single interruption of the machine decides a slice's tail."""
-
-    slices = 3
 
 
 class Mixed(Load):
@@ -230,9 +224,9 @@ ALL = [
     Load("http.64k.cpu", "µs", time_per_request, "/64k.bin", ("-c", 16, "-d", "SLICE")),
     Load("http.404.cpu", "µs", time_per_request, "/nothing", ("-c", 16, "-d", "SLICE"), status=404),
     Load("http.list.rate", "1/s", requests_per_second, "/list/", ("-c", 8, "-d", "SLICE"), without=("limit",)),
-    Load("http.10m.rate", "MB/s", megabytes_per_second, "/10m.bin", ("-c", 4, "-d", "SLICE"), without=("limit",)),
+    Load("http.10m.rate", "MB/s", megabytes_per_second, "/10m.bin", ("-c", 4, "-d", "SLICE"), without=("limit",), slices=3),
     Load("http.1g.rate", "MB/s", megabytes_per_second, "/1g.bin", ("-c", 1, "-n", 1, "-d", 60), without=("limit",)),
-    Tail("http.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 4000, "-d", 0.5), without=("limit", *SLOW)),
+    Load("http.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 4000, "-d", 0.2), without=("limit", *SLOW), slices=7),
     Mixed("http.mixed.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 300, "-d", 2), without=("limit", *SLOW)),
     Idle(),
     BesideIdle(),
