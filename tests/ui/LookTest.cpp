@@ -246,6 +246,8 @@ TEST_F(LookTest, AFontSizeThatChangesWhileRunningIsFollowed) {
     QApplication::setFont(scaledFont(2));
     settle();
     EXPECT_GT(row(0)->height(), before);
+    EXPECT_EQ(find<QCheckBox>("Run in background")->font().pixelSize(),
+              theme().font(TextStyle::body).pixelSize());
     expectNothingClipped();
 }
 

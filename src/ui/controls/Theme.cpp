@@ -44,7 +44,8 @@ constexpr std::array<std::pair<TextStyle, Type>, 11> types{{
 // QFontInfo would load the font to tell.
 double pixelSize(const QFont& font) {
     if (font.pixelSize() > 0) return font.pixelSize();
-    return font.pointSizeF() * QGuiApplication::primaryScreen()->logicalDotsPerInchY() / 72;
+    const QScreen* const screen = QGuiApplication::primaryScreen(); // there may be none for a while
+    return font.pointSizeF() * (screen == nullptr ? 96 : screen->logicalDotsPerInchY()) / 72;
 }
 
 } // namespace
