@@ -4,9 +4,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QFocusEvent>
-#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QMetaObject>
 #include <QObject>
 
 namespace brevane {
@@ -44,14 +44,18 @@ QAction* addItem(QMenu& menu, const QString& text, const QKeySequence& key,
     return item;
 }
 
-void addEditItem(QMenu& menu, const QString& text, Qt::KeyboardModifiers modifiers, Qt::Key key) {
-    addItem(menu, text, QKeySequence(QKeyCombination(modifiers, key)), [modifiers, key] {
+/// Adds an item that calls a slot of the focused widget, "copy" for example. The text widgets of Qt
+/// have these slots; a widget that lacks it has nothing to act on.
+void addEditItem(QMenu& menu, const QString& text, const QKeySequence& key, const char* slot) {
+    addItem(menu, text, key, [slot] {
         QWidget* focused = QApplication::focusWidget();
         if (focused == nullptr) return;
-        QKeyEvent press(QEvent::KeyPress, key, modifiers);
-        QApplication::sendEvent(focused, &press);
-        QKeyEvent release(QEvent::KeyRelease, key, modifiers);
-        QApplication::sendEvent(focused, &release);
+        const QByteArray signature = QByteArray(slot) + "()";
+        if (focused->metaObject()->indexOfSlot(signature) < 0) return;
+        const bool changesText = signature != "copy()" && signature != "selectAll()";
+        // QLineEdit::cut does not look at this.
+        if (changesText && focused->property("readOnly").toBool()) return;
+        QMetaObject::invokeMethod(focused, slot, Qt::DirectConnection);
     });
 }
 
@@ -68,13 +72,13 @@ void fillMenuBar(QMenuBar& bar, const std::function<void()>& showAbout,
         ->setMenuRole(QAction::QuitRole);
 
     QMenu& edit = *bar.addMenu("&Edit");
-    addEditItem(edit, "&Undo", Qt::ControlModifier, Qt::Key_Z);
-    addEditItem(edit, "&Redo", Qt::ControlModifier | Qt::ShiftModifier, Qt::Key_Z);
+    addEditItem(edit, "&Undo", Qt::CTRL | Qt::Key_Z, "undo");
+    addEditItem(edit, "&Redo", Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "redo");
     edit.addSeparator();
-    addEditItem(edit, "Cu&t", Qt::ControlModifier, Qt::Key_X);
-    addEditItem(edit, "&Copy", Qt::ControlModifier, Qt::Key_C);
-    addEditItem(edit, "&Paste", Qt::ControlModifier, Qt::Key_V);
-    addEditItem(edit, "Select &All", Qt::ControlModifier, Qt::Key_A);
+    addEditItem(edit, "Cu&t", Qt::CTRL | Qt::Key_X, "cut");
+    addEditItem(edit, "&Copy", Qt::CTRL | Qt::Key_C, "copy");
+    addEditItem(edit, "&Paste", Qt::CTRL | Qt::Key_V, "paste");
+    addEditItem(edit, "Select &All", Qt::CTRL | Qt::Key_A, "selectAll");
 
     QMenu& window = *bar.addMenu("&Window");
     addItem(window, "&Close", Qt::CTRL | Qt::Key_W, [] {

@@ -4,13 +4,24 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
-#include <QVBoxLayout>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QSlider>
+#include <QTest>
+#include <QTextEdit>
+#include <QToolButton>
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -47,6 +58,36 @@ protected:
     void choose(const std::string& text) {
         item(text)->trigger();
         QCoreApplication::processEvents();
+    }
+
+    std::vector<QAction*> editItems() {
+        std::vector<QAction*> items;
+        for (const char* text : {"Undo", "Redo", "Cut", "Copy", "Paste", "Select All"})
+            items.push_back(item(text));
+        return items;
+    }
+
+    static void press(QWidget& widget, const QAction& chosen) {
+        const QKeyCombination keys = chosen.shortcut()[0];
+        QTest::keyClick(&widget, keys.key(), keys.keyboardModifiers());
+        QCoreApplication::processEvents();
+    }
+
+    // Each Edit item by its key and from its menu, with this widget focused.
+    void useEveryEditItem(QWidget& focused) {
+        for (QAction* edit : editItems()) {
+            press(focused, *edit);
+            edit->trigger();
+            QCoreApplication::processEvents();
+        }
+    }
+
+    // Puts a widget in the field's place.
+    void giveFocus(QWidget* widget) {
+        window.setCentralWidget(widget);
+        QCoreApplication::processEvents();
+        widget->setFocus();
+        ASSERT_TRUE(widget->hasFocus());
     }
 
     QMainWindow window;
@@ -111,10 +152,58 @@ TEST_F(MenuBarTest, EditItemsActOnTheFocusedTextField) {
     EXPECT_EQ(field->text(), "text");
 }
 
-TEST_F(MenuBarTest, EditItemsWithNothingFocusedDoNothing) {
-    field->clearFocus();
+TEST_F(MenuBarTest, EditItemsActOnAFocusedTextThatCanOnlyBeRead) {
+    auto* text = new QTextEdit("read");
+    text->setReadOnly(true);
+    giveFocus(text);
     choose("Select All");
-    choose("Cut");
+    choose("Copy");
+    EXPECT_EQ(QApplication::clipboard()->text(), "read");
+    QApplication::clipboard()->setText("other");
+    for (const char* change : {"Cut", "Paste", "Undo", "Redo"})
+        choose(change);
+    EXPECT_EQ(text->toPlainText(), "read");
+    EXPECT_EQ(QApplication::clipboard()->text(), "other");
+}
+
+TEST_F(MenuBarTest, EditItemsDoNotChangeAFieldThatCanOnlyBeRead) {
+    field->setReadOnly(true);
+    for (const char* change : {"Select All", "Cut", "Paste", "Undo", "Redo"})
+        choose(change);
+    EXPECT_EQ(field->text(), "text");
+    choose("Copy");
+    EXPECT_EQ(QApplication::clipboard()->text(), "text");
+}
+
+TEST_F(MenuBarTest, EditItemsAndTheirKeysDoNothingToWhatHoldsNoText) {
+    for (QWidget* focused : std::initializer_list<QWidget*>{
+             new QPushButton, new QToolButton, new QCheckBox, new QComboBox, new QListView,
+             new QScrollArea, new QSlider, new QLabel("label"), new QWidget}) {
+        focused->setFocusPolicy(Qt::StrongFocus);
+        giveFocus(focused);
+        QApplication::clipboard()->setText("clipboard");
+        useEveryEditItem(*focused);
+        EXPECT_TRUE(focused->hasFocus()) << focused->metaObject()->className();
+        EXPECT_EQ(QApplication::clipboard()->text(), "clipboard")
+            << focused->metaObject()->className();
+    }
+}
+
+TEST_F(MenuBarTest, EditItemsAndTheirKeysDoNothingWhileNothingHasTheFocus) {
+    field->clearFocus();
+    useEveryEditItem(window);
+    EXPECT_EQ(field->text(), "text");
+}
+
+TEST_F(MenuBarTest, EditItemsAndTheirKeysDoNothingToADialog) {
+    QDialog dialog(&window);
+    dialog.setFocusPolicy(Qt::ClickFocus);
+    dialog.show();
+    activate(dialog);
+    dialog.setFocus();
+    ASSERT_TRUE(dialog.hasFocus());
+    useEveryEditItem(dialog);
+    EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(field->text(), "text");
 }
 

@@ -4,6 +4,7 @@
 import pytest
 
 from driver.waiting import until
+from driver.window import TEXT
 
 
 @pytest.fixture
@@ -82,3 +83,49 @@ def test_edit_items_act_on_the_text_field_that_has_the_keyboard(user, child):
 def test_menus_have_the_items_that_were_asked_for(user, child):
     bar = user.window(child).frame.await_one(role="menu bar")
     assert [menu.name for menu in bar.children] == ["Brevane", "Edit", "Window"]
+
+
+EDIT_KEYS = ("ctrl+z", "ctrl+shift+z", "ctrl+x", "ctrl+c", "ctrl+v", "ctrl+a")
+
+
+def focused(window):
+    return next((element for element in window.frame.descendants() if element.has("focused")), None)
+
+
+def test_edit_keys_do_no_harm_wherever_the_keyboard_is(user, child):
+    window = user.window(child)
+    window.field("Port or URL").write("3000")
+    visited = []
+    # Once round, and on into what has been visited.
+    for _ in range(40):
+        user.key(*EDIT_KEYS)
+        element = focused(window)
+        visited.append((element.role, element.name) if element else None)
+        if visited[-1] in visited[:-1]:
+            break
+        user.key("Tab")
+    assert child.poll() is None
+    assert window.refresh_button().enabled
+    assert len(visited) > 8, visited
+
+
+def test_edit_keys_do_no_harm_in_the_about_panel_and_over_an_open_menu(user, child):
+    open_about(user)
+    for _ in range(3):
+        user.key(*EDIT_KEYS)
+        user.key("Tab")
+    close_about(user, child, "Escape")
+    user.key("alt+b")
+    user.key(*EDIT_KEYS)
+    user.key("Escape", "Escape")
+    assert child.poll() is None
+    assert user.window(child).refresh_button().enabled
+
+
+def test_copy_takes_what_is_selected_in_the_preview(user, child):
+    window = user.window(child)
+    window.field("Port or URL").write("3000")
+    preview = window.frame.await_one("Preview", TEXT)
+    preview.accessible.get_component_iface().grab_focus()
+    user.key("alt+e", "a", "alt+e", "c")
+    until("the copy", lambda: user.desktop.clipboard() == "tailscale serve --bg --yes 3000")
