@@ -1,11 +1,4 @@
-// Boost.URL includes <iostream> and uses nothing of it. Without it the program neither sets up the
-// standard streams nor touches the locales behind them: a quarter of a megabyte.
-#include <istream>
-#include <ostream>
-#ifdef __GLIBCXX__
-#define _GLIBCXX_IOSTREAM 1
-#endif
-
+// The parts of Boost that are not header-only, without the distribution's libraries.
 #include <boost/json/src.hpp>
 #include <boost/version.hpp>
 #if BOOST_VERSION < 108200

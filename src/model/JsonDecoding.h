@@ -4,20 +4,26 @@
 #include "ServeConfigJSON.h"
 
 #include <boost/json/object.hpp>
-#include <boost/json/parse_options.hpp>
 #include <boost/json/value.hpp>
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// How the daemon's documents become records, for the two decoders only. Every `read` gives false,
-// and with it the whole document up, where a value is of another type than the record wants.
+// Shared by the decoders of the daemon's two documents, and by nothing else.
 namespace brevane {
 
-/// Strict JSON (RFC 8259), nested up to 512 deep.
-[[nodiscard]] boost::json::parse_options strictJson();
+/// Parses a document that must be one JSON object (RFC 8259) in UTF-8, nested at most 512 deep, and
+/// returns those of its members whose key is among `wanted`. All others are checked and skipped
+/// without building them: the peers are nearly all of a large status document. The last of a
+/// repeated key counts. Nothing on any other document, and on a number whose exponent does not fit
+/// 32 bits, wherever it stands.
+[[nodiscard]] std::optional<boost::json::object>
+parseMembers(std::string_view document, std::span<const std::string_view> wanted);
+
+// Each `read` returns false for a value of another type, which fails the whole document.
 
 [[nodiscard]] bool read(const boost::json::value& value, std::string& text);
 [[nodiscard]] bool read(const boost::json::value& value, bool& truth);

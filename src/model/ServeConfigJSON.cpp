@@ -3,7 +3,7 @@
 
 #include "JsonDecoding.h"
 
-#include <boost/json/parse.hpp>
+#include <array>
 
 namespace brevane {
 
@@ -34,18 +34,14 @@ static bool read(const json::value& value, ServeConfigFgJSON& config) {
            read(*object, "Web", config.Web) && read(*object, "AllowFunnel", config.AllowFunnel);
 }
 
-static bool read(const json::value& value, ServeConfigJSON& config) {
-    const auto* const object = value.if_object();
-    return object != nullptr && read(*object, "TCP", config.TCP) &&
-           read(*object, "Web", config.Web) && read(*object, "AllowFunnel", config.AllowFunnel) &&
-           read(*object, "Foreground", config.Foreground);
-}
-
 std::optional<ServeConfigJSON> decodeServeConfig(std::string_view document) {
-    boost::system::error_code error;
-    const json::value value = json::parse(document, error, {}, strictJson());
+    static constexpr std::array<std::string_view, 4> keys{"TCP", "Web", "AllowFunnel",
+                                                          "Foreground"};
+    const auto members = parseMembers(document, keys);
     ServeConfigJSON config;
-    if (error || !read(value, config)) return std::nullopt;
+    if (!members || !read(*members, keys[0], config.TCP) || !read(*members, keys[1], config.Web) ||
+        !read(*members, keys[2], config.AllowFunnel) || !read(*members, keys[3], config.Foreground))
+        return std::nullopt;
     return config;
 }
 

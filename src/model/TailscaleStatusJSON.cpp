@@ -2,9 +2,8 @@
 #include "TailscaleStatusJSON.h"
 
 #include "JsonDecoding.h"
-#include "JsonScan.h"
 
-#include <boost/json/parse.hpp>
+#include <array>
 
 namespace brevane {
 
@@ -17,36 +16,13 @@ static bool read(const json::value& value, TailscaleStatusJSON::SelfNode& node) 
            read(*object, "Online", node.Online) && read(*object, "HostName", node.HostName);
 }
 
-namespace {
-
-/// Builds the value that a part of a document stands for and reads it.
-template <class Value>
-bool readText(std::string_view text, Value& field) {
-    boost::system::error_code error;
-    const json::value value = json::parse(text, error, {}, strictJson());
-    return !error && read(value, field);
-}
-
-/// Whether a key, as it is written with its quotes, is this name.
-bool isKey(std::string_view written, std::string_view name) {
-    if (!written.contains('\\')) return written.substr(1, written.size() - 2) == name;
-    std::string key;
-    return readText(written, key) && key == name;
-}
-
-} // namespace
-
 std::optional<TailscaleStatusJSON> decodeTailscaleStatus(std::string_view document) {
-    std::string_view backendState = "null";
-    std::string_view self = "null";
-    const auto keepWanted = [&](std::string_view key, std::string_view value) {
-        if (isKey(key, "BackendState")) backendState = value;
-        if (isKey(key, "Self")) self = value;
-    };
-    if (!scanJsonObject(document, keepWanted)) return std::nullopt;
-
+    static constexpr std::array<std::string_view, 2> keys{"BackendState", "Self"};
+    const auto members = parseMembers(document, keys);
+    const auto* const backendState = members ? members->if_contains(keys[0]) : nullptr;
     TailscaleStatusJSON status;
-    if (!readText(backendState, status.BackendState) || !readText(self, status.selfNode))
+    if (backendState == nullptr || !read(*backendState, status.BackendState) ||
+        !read(*members, keys[1], status.selfNode))
         return std::nullopt;
     return status;
 }
