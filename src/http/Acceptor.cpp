@@ -6,6 +6,7 @@
 #include <boost/asio/ip/v6_only.hpp>
 
 #include <fcntl.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -18,6 +19,9 @@ namespace {
 using boost::asio::ip::tcp;
 
 constexpr int backlog = 4096; // The system lowers it to its own limit.
+// What waits is accepted at once, else each of many downloads has its turn before the next request;
+// but not without an end, or downloads have none.
+constexpr int acceptsPerTurn = 64;
 constexpr auto pauseTime = std::chrono::milliseconds(50);
 
 // The next connection, ready for calls that do not wait; none, and errno, where there is none.
@@ -77,6 +81,12 @@ boost::system::error_code Acceptor::listenOn(const tcp::endpoint& address) {
         socket.set_option(tcp::acceptor::reuse_address(true));
         socket.native_non_blocking(true);
         socket.bind(address);
+#ifdef __linux__
+        // A connection is only seen with its request, for which nobody has to wait then.
+        constexpr int seconds = 5;
+        ::setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_DEFER_ACCEPT, &seconds,
+                     sizeof seconds);
+#endif
         socket.listen(backlog);
         return {};
     } catch (const boost::system::system_error& failure) {
@@ -107,22 +117,25 @@ void Acceptor::wait() {
 }
 
 void Acceptor::accept() {
-    Descriptor accepted = takeConnection();
-    if (accepted.isOpen())
+    for (int count = 0; count < acceptsPerTurn; ++count) {
+        Descriptor accepted = takeConnection(count + 1 == acceptsPerTurn);
+        if (!accepted.isOpen()) return;
         std::make_shared<Connection>(std::move(accepted), threads, folder)->receive();
+    }
 }
 
-Descriptor Acceptor::takeConnection() {
+Descriptor Acceptor::takeConnection(bool isLast) {
     const std::scoped_lock lock(mutex);
     if (!socket.is_open()) return {};
     Descriptor accepted = acceptFrom(socket.native_handle());
     const Trouble trouble = accepted.isOpen() ? Trouble::none : troubleOf(errno);
+    if (trouble == Trouble::none && !isLast) return accepted;
     if (trouble == Trouble::fatal)
         close();
     else if (trouble == Trouble::shortage)
         pause();
     else
-        wait(); // Another thread may accept the next one while this one is served.
+        wait();
     return accepted;
 }
 

@@ -42,7 +42,9 @@ private:
 
     [[nodiscard]] boost::system::error_code listenOn(const boost::asio::ip::tcp::endpoint& address);
     void accept();
-    Descriptor takeConnection();
+    // The next connection; none, and the next turn prepared, where there is none. The last one of
+    // a turn prepares the next as well.
+    Descriptor takeConnection(bool isLast);
     // The rest with the mutex held.
     void wait();
     void pause();

@@ -46,7 +46,7 @@ void Connection::take(std::string_view bytes) {
 
     moreFollows = !*request || (*request)->moreFollows;
     response = *request ? respond(**request, site->root) : errorResponse(request->error());
-    received = {};
+    std::string().swap(received);
     if (response.fileToLoad() != nullptr)
         load();
     else

@@ -13,6 +13,16 @@ std::optional<std::string> resolvedPath(std::string_view root, std::string_view 
     return path;
 }
 
+bool hasDotSegment(std::string_view path) {
+    for (;;) {
+        const std::size_t end = path.find('/');
+        const std::string_view segment = path.substr(0, end);
+        if (segment == "." || segment == "..") return true;
+        if (end == path.npos) return false;
+        path.remove_prefix(end + 1);
+    }
+}
+
 PathKind kindOf(const std::string& path) {
     struct stat found {};
     if (path.contains('\0') || ::stat(path.c_str(), &found) != 0) return PathKind::nothing;

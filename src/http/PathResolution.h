@@ -13,6 +13,9 @@ namespace brevane {
 [[nodiscard]] std::optional<std::string> resolvedPath(std::string_view root,
                                                       std::string_view requestPath);
 
+/// Whether "." or ".." is one of the path's components.
+[[nodiscard]] bool hasDotSegment(std::string_view path);
+
 enum class PathKind { nothing, file, folder, other };
 
 /// What there is at the path, symbolic links followed. A path that cannot be examined has nothing,

@@ -7,7 +7,14 @@ namespace brevane {
 
 namespace {
 
+// Dot segments take back what precedes them, which need not exist: with them a path can say
+// anything and still lead to a folder, whose page would repeat it as markup.
+bool mayBringMarkup(std::string_view path) {
+    return path.contains('<') && hasDotSegment(path);
+}
+
 Response folderResponse(const std::string& folder, const RequestHead& request) {
+    if (mayBringMarkup(request.path)) return errorResponse(400);
     if (!request.path.ends_with('/')) return redirectResponse(request.path + '/');
 
     const std::string index = folder + "/index.html";

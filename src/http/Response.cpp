@@ -42,10 +42,11 @@ std::string_view reasonFor(int status) {
     }
 }
 
-// Fills the thread's buffer with a file that has `size` bytes. One of size 0 is read to its end:
-// some file systems make a file's content up as it is read. Nothing where reading fails.
-std::optional<std::string_view> readSmallFile(int file, std::size_t size) {
-    const std::span<char> buffer = fileBuffer().first(size == 0 ? smallFileSize : size);
+// Some file systems make a file's content up as it is read, and a few of those files never end.
+constexpr std::size_t madeUpSizeLimit = 64 * 1024 * 1024;
+
+// Fills the buffer, or as much of it as there is. Nothing where reading fails.
+std::optional<std::size_t> readInto(std::span<char> buffer, int file) {
     std::size_t filled = 0;
     while (filled < buffer.size()) {
         const auto count = ::read(file, buffer.data() + filled, buffer.size() - filled);
@@ -54,7 +55,42 @@ std::optional<std::string_view> readSmallFile(int file, std::size_t size) {
         if (count == 0) break;
         filled += static_cast<std::size_t>(count);
     }
-    return std::string_view(buffer.data(), filled);
+    return filled;
+}
+
+// The content of a file that has `size` bytes, in the thread's buffer. Nothing where reading fails.
+std::optional<std::string_view> readSmallFile(int file, std::size_t size) {
+    const std::span<char> buffer = fileBuffer().first(size);
+    const auto filled = readInto(buffer, file);
+    if (!filled) return std::nullopt;
+    return std::string_view(buffer.data(), *filled);
+}
+
+// The content of a file whose size is said to be 0, to its end. Nothing where reading fails.
+std::optional<std::string> readMadeUpFile(int file) {
+    const std::span<char> buffer = fileBuffer();
+    std::string content;
+    while (content.size() <= madeUpSizeLimit) {
+        const auto filled = readInto(buffer, file);
+        if (!filled) return std::nullopt;
+        content.append(buffer.data(), *filled);
+        if (*filled < buffer.size()) return content;
+    }
+    return std::nullopt;
+}
+
+// A client that is sent there asks another host (URL Standard, section 4.4, "relative slash
+// state"). It takes "\" for "/" and leaves out tabs, and control characters and spaces at the
+// beginning.
+bool leadsToAnotherHost(std::string_view location) {
+    int slashes = 0;
+    for (const char character : location) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\t' || (slashes == 0 && byte <= ' ')) continue;
+        if (character != '/' && character != '\\') return false;
+        if (++slashes == 2) return true;
+    }
+    return false;
 }
 
 } // namespace
@@ -87,6 +123,13 @@ Response fileResponse(const std::string& path, bool headOnly) {
         if (!headOnly) response.body = LargeFile(std::move(file), size);
         return response;
     }
+    if (size == 0) {
+        auto content = readMadeUpFile(file.get());
+        if (!content) return errorResponse(403);
+        Response response{headOf("200 OK", mimeType(path), content->size()), {}};
+        if (!headOnly) response.body = std::move(*content);
+        return response;
+    }
     const auto bytes = readSmallFile(file.get(), size);
     if (!bytes) return errorResponse(403);
     Response response{headOf("200 OK", mimeType(path), bytes->size()), {}};
@@ -111,7 +154,8 @@ Response listingResponse(const std::string& folder, std::string_view urlPath, bo
 }
 
 Response redirectResponse(std::string_view location) {
-    if (location.find_first_of("\r\n") != location.npos) return errorResponse(400);
+    if (location.find_first_of("\r\n") != location.npos || leadsToAnotherHost(location))
+        return errorResponse(400);
     std::string head = "HTTP/1.1 301 Moved Permanently\r\nLocation: ";
     head.append(location).append("\r\nContent-Length: 0").append(headEnd);
     return {std::move(head), {}};

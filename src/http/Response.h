@@ -30,7 +30,8 @@ struct Response {
 [[nodiscard]] Response listingResponse(const std::string& folder, std::string_view urlPath,
                                        bool headOnly);
 
-/// 301 to the location as it stands, or 400 where it would not stay on its line of the head.
+/// 301 to the location as it stands, or 400 where it would not stay on its line of the head
+/// or would lead to another host.
 [[nodiscard]] Response redirectResponse(std::string_view location);
 
 /// The status code with a line of text that says it, also in answer to HEAD.

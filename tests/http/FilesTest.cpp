@@ -7,6 +7,11 @@
 #include <sys/un.h>
 #ifdef __linux__
 #include <sys/inotify.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 #endif
 
 #include <cstring>
@@ -190,6 +195,62 @@ TEST(FilesOfTheKernel, AreReadThoughTheirSizeIsSaidToBeNothing) {
         answerTo(server.port, std::array<std::string_view, 1>{"GET /cmdline HTTP/1.1\r\n\r\n"},
                  Family::ipv4);
     EXPECT_EQ(answer, fileAnswer("application/octet-stream", readFile("/proc/self/cmdline")));
+}
+
+// A child that lives as long as this and has a map of its memory longer than `length`.
+class MuchMappedChild {
+public:
+    explicit MuchMappedChild(std::size_t length) {
+        constexpr std::size_t page = 4096;
+        constexpr std::size_t line = 50;
+        const std::size_t pages = 2 * length / line;
+        void* const mapped =
+            ::mmap(nullptr, pages * page, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        // Neighbours that may be written to and not would be one mapping otherwise.
+        for (std::size_t index = 0; index < pages; index += 2)
+            ::mprotect(static_cast<char*>(mapped) + index * page, page, PROT_READ | PROT_WRITE);
+        child_ = ::fork();
+        while (child_ == 0)
+            ::pause();
+        ::munmap(mapped, pages * page);
+    }
+    ~MuchMappedChild() {
+        ::kill(child_, SIGKILL);
+        ::waitpid(child_, nullptr, 0);
+    }
+    MuchMappedChild(const MuchMappedChild&) = delete;
+    MuchMappedChild& operator=(const MuchMappedChild&) = delete;
+
+    [[nodiscard]] std::string folder() const { return "/proc/" + std::to_string(child_); }
+
+private:
+    pid_t child_ = 0;
+};
+
+TEST(FilesOfTheKernel, AreReadToTheirEndHoweverLongTheyAre) {
+    const MuchMappedChild child(600000);
+    const std::string map = readFile(child.folder() + "/maps");
+    ASSERT_GT(map.size(), 600000U);
+    ServerPool pool;
+    FileHTTPServer server(child.folder(), pool);
+    ASSERT_TRUE(server.startListener(0));
+    EXPECT_TRUE(answerTo(server.port, std::array<std::string_view, 1>{"GET /maps HTTP/1.1\r\n\r\n"},
+                         Family::ipv4) == fileAnswer("application/octet-stream", map));
+    const std::string head = fileAnswer("application/octet-stream", map);
+    EXPECT_EQ(answerTo(server.port, std::array<std::string_view, 1>{"HEAD /maps HTTP/1.1\r\n\r\n"},
+                       Family::ipv4),
+              head.substr(0, head.size() - map.size()));
+}
+
+TEST(FilesOfTheKernel, WithoutAnEndAreForbidden) {
+    // A table of as many bytes as there are addresses, divided by 512.
+    ServerPool pool;
+    FileHTTPServer server("/proc/self", pool);
+    ASSERT_TRUE(server.startListener(0));
+    EXPECT_EQ(answerTo(server.port,
+                       std::array<std::string_view, 1>{"GET /pagemap HTTP/1.1\r\n\r\n"},
+                       Family::ipv4),
+              forbidden);
 }
 #endif
 

@@ -54,12 +54,45 @@ TEST_F(Hostile, ANulInTheTargetIsNotFound) {
 }
 
 TEST_F(Hostile, OtherFormsOfTargetsAreOrdinaryPaths) {
-    expectAnswer("GET //host/.. HTTP/1.1\r\n\r\n", redirectAnswer("//host/../"));
     expectAnswer("GET http://host/a.txt HTTP/1.1\r\n\r\n", notFound);
     expectAnswer("GET http://host/../../a.txt HTTP/1.1\r\n\r\n", textFileAnswer("a"));
     expectAnswer("GET * HTTP/1.1\r\n\r\n", notFound);
     expectAnswer("OPTIONS * HTTP/1.1\r\n\r\n", methodNotAllowed);
     expectAnswer("CONNECT host:443 HTTP/1.1\r\n\r\n", methodNotAllowed);
+}
+
+TEST_F(Hostile, AFolderIsNotAskedForByMarkupThatDotSegmentsTakeBack) {
+    std::filesystem::create_directory(root / "sub");
+    writeFile(root / "sub" / "index.html", "index");
+    for (const std::string target :
+         {"/%3Cscript%3Ealert(1)%3C%2Fscript%3E%2F..%2F..%2F", "/<script>x</script>/../../sub/",
+          "/<b>/../", "/sub/../<b>/..", "/<b>/./../sub/", "/sub/./%3c/../", "/%3C/%2e%2e/sub",
+          "<b>/../"}) {
+        expectAnswer("GET " + target + " HTTP/1.1\r\n\r\n", badRequest);
+        expectAnswer("HEAD " + target + " HTTP/1.1\r\n\r\n", badRequest);
+    }
+    expectAnswer("GET /<b>/../a.txt HTTP/1.1\r\n\r\n", textFileAnswer("a"));
+    expectAnswer("GET /<b>/../nothing HTTP/1.1\r\n\r\n", notFound);
+    expectAnswer("GET /<b>/../.. HTTP/1.1\r\n\r\n", forbidden);
+}
+
+TEST_F(Hostile, AFolderWhoseNameIsMarkupStandsAsItIs) {
+    std::filesystem::create_directory(root / "<b>..");
+    expectAnswer("GET /%3cb>..?../ HTTP/1.1\r\n\r\n", redirectAnswer("/<b>../"));
+    expectAnswer("GET //<b>..// HTTP/1.1\r\n\r\n", listingAnswer("//<b>..//", parentLine));
+}
+
+TEST_F(Hostile, NoRedirectLeadsToAnotherHost) {
+    std::filesystem::create_directory(root / "\\evil");
+    for (const std::string before : {"", "\t", "\\", " "})
+        std::filesystem::create_directories(root / before / "evil");
+    for (const std::string target :
+         {"//host/..", "//evil.example%2f..", "/%2Fevil.example/..", "/%5Cevil", "/\\evil",
+          "//evil", "///evil", "/%09/evil", "/%5c%5cevil/../evil", "%5c/evil", "%5C%5c/../evil",
+          "%20//evil"})
+        expectAnswer("GET " + target + " HTTP/1.1\r\n\r\n", badRequest);
+    expectAnswer("GET /.//evil HTTP/1.1\r\n\r\n", redirectAnswer("/.//evil/"));
+    expectAnswer("GET //evil/ HTTP/1.1\r\n\r\n", listingAnswer("//evil/", parentLine));
 }
 
 TEST_F(Hostile, HugeTargetsAreNotFound) {

@@ -64,12 +64,14 @@ TEST_F(Listing, ALinkIsAFileEvenToAFolderAndSoIsEverythingElse) {
 
 TEST_F(Listing, ItsTitleIsThePathAsAskedFor) {
     std::filesystem::create_directory(root / "sub <dir>");
-    expectAnswer("GET /sub%20<dir>/./../sub%20%3cdir>/?q HTTP/1.1\r\n\r\n",
-                 listingAnswer("/sub <dir>/./../sub <dir>/", parentLine));
-    expectAnswer("GET // HTTP/1.1\r\n\r\n",
-                 listingAnswer("//", parentLine + folderLine("sub <dir>")));
-    expectAnswer("GET /caf\xE9/../ HTTP/1.1\r\n\r\n",
-                 listingAnswer("/café/../", parentLine + folderLine("sub <dir>")));
+    std::filesystem::create_directory(root / "sub &dir>");
+    const std::string lines = parentLine + folderLine("sub &dir>") + folderLine("sub <dir>");
+    expectAnswer("GET //sub%20%3cdir>/?q HTTP/1.1\r\n\r\n",
+                 listingAnswer("//sub <dir>/", parentLine));
+    expectAnswer("GET /sub%20&dir>/./../sub%20%26dir>/?q HTTP/1.1\r\n\r\n",
+                 listingAnswer("/sub &dir>/./../sub &dir>/", parentLine));
+    expectAnswer("GET // HTTP/1.1\r\n\r\n", listingAnswer("//", lines));
+    expectAnswer("GET /caf\xE9/../ HTTP/1.1\r\n\r\n", listingAnswer("/café/../", lines));
 }
 
 TEST_F(Listing, HeadSendsItsLengthAlone) {
