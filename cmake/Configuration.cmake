@@ -9,6 +9,8 @@ set(BREVANE_TAILSCALE_BIN ${default_tailscale_bin} CACHE STRING "Path of the tai
 set(BREVANE_SHELL /bin/zsh CACHE STRING "Login shell that runs every command line")
 set(BREVANE_SEARCH_PATH /usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin:/sbin
     CACHE STRING "PATH of every command")
+# On macOS the user defaults, and so the remembered shares, go by this name.
+set(BREVANE_BUNDLE_IDENTIFIER com.brevane.brevane CACHE STRING "Identifier of the application bundle")
 
 # The executable stands unquoted in a command line, so the shell must take it for one plain word.
 string(REGEX REPLACE "[A-Za-z0-9_./+,:@%-]" "" unsafe "${BREVANE_TAILSCALE_BIN}")

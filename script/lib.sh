@@ -8,8 +8,15 @@ script_name=script/$(basename "$0")
 project_root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$project_root"
 
+# What runs on a Mac keeps to the bash 3.2 of macOS; script/old-bash knows what that lacks.
+on_a_mac() { [[ $(uname -s) == Darwin ]]; }
+# Homebrew's folder is on the PATH of login shells alone.
+if on_a_mac; then PATH=$PATH:/opt/homebrew/bin; fi
+
 # Qt and Python want to know that text is UTF-8; a fresh machine has no locale set.
-[[ $(locale charmap 2>/dev/null) == UTF-8 ]] || export LC_ALL=C.UTF-8
+if [[ $(locale charmap 2>/dev/null) != UTF-8 ]]; then
+    if on_a_mac; then export LC_ALL=en_US.UTF-8; else export LC_ALL=C.UTF-8; fi
+fi
 
 # say WORDS: one line about what happens now, on standard error.
 say() { printf '%s %s\n' '==>' "$*" >&2; }
@@ -35,7 +42,10 @@ handle_help() {
 unknown_argument() { fail "unknown argument '$1'; $script_name --help tells what there is"; }
 
 # bootstrap NEED...: installs what is missing for these needs.
-bootstrap() { "$project_root/script/bootstrap" "$@"; }
+bootstrap() { "$project_root/script/bootstrap" ${agreed:+--yes} "$@"; }
+
+# only_on_linux: for commands whose tools a Mac does not have.
+only_on_linux() { if on_a_mac; then fail "this runs on Debian 12 or later only"; fi; }
 
 # required_go: the least version of Go that the tailnet builds with.
 required_go() { awk '$1 == "go" { print $2 }' "$project_root/tools/tailnet/go.mod"; }
@@ -69,9 +79,9 @@ configure() {
 
 # build_in FOLDER [ARGUMENT...]: builds what has been configured there; takes no time where nothing changed.
 build_in() {
-    local -a quiet=()
-    [[ -t 2 ]] || quiet=(-- --quiet)
-    cmake --build "$@" "${quiet[@]}" >&2 || fail "building in $1 failed, see above"
+    local quiet=
+    [[ -t 2 ]] || quiet=yes
+    cmake --build "$@" ${quiet:+-- --quiet} >&2 || fail "building in $1 failed, see above"
 }
 
 # build PRESET [ARGUMENT...]: configures a preset and builds it, with more arguments for cmake --build.
@@ -81,6 +91,12 @@ build() {
     configure "$preset"
     build_in "build/$preset" "$@"
 }
+
+# configured FOLDER NAME: the value of a CMake cache variable in a configured folder.
+configured() { sed -n "s/^$2:[A-Z]*=//p" "$1/CMakeCache.txt"; }
+
+# program_in FOLDER: the path of the program that is built there.
+program_in() { if on_a_mac; then echo "$1/bin/Brevane.app/Contents/MacOS/Brevane"; else echo "$1/bin/brevane"; fi; }
 
 # Programs of the loopback tailnet: tailnet, tailscale and tailscaled.
 tailnet_programs=$project_root/build/tailnet
@@ -105,8 +121,9 @@ tailnet_folder() {
 
 # project_files PATTERN...: the files of these kinds that are ours, one a line, sorted.
 project_files() {
-    local -a names=()
+    local -a names
     local pattern
+    names=(-false)
     for pattern in "$@"; do names+=(-o -name "$pattern"); done
-    find . \( -path ./build -o -path ./.git -o -path ./.cache \) -prune -o -type f \( "${names[@]:1}" \) -print | sort
+    find . \( -path ./build -o -path ./.git -o -path ./.cache \) -prune -o -type f \( "${names[@]}" \) -print | sort
 }

@@ -5,6 +5,6 @@
 
 set -euo pipefail
 cd "$(dirname "$0")"
-for size in 16 24 32 48 64 128 256 512; do
+for size in 16 24 32 48 64 128 256 512 1024; do
     rsvg-convert --width $size --height $size --output brevane-$size.png brevane.svg
 done

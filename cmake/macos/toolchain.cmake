@@ -35,7 +35,6 @@ set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ ${CMAKE_CURRENT_LIST_DIR}/libc++.tb
 # There is no SDK, and no need to say for which processor.
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "" FORCE)
 set(CMAKE_OSX_ARCHITECTURES "" CACHE STRING "" FORCE)
-set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "" FORCE)
 set(CMAKE_INSTALL_NAME_TOOL true CACHE FILEPATH "" FORCE)
 
 # Packages: by the stand-ins beside this file, nothing of the system.

@@ -81,7 +81,7 @@ if [ "$(cat "$built" 2>/dev/null)" != "$version" ] || [ ! -x "$output/tailscale"
     echo "$version" >"$built"
 fi
 
-if [ ! -x "$output/tailnet" ] || [ -n "$(find "$here" -newer "$output/tailnet" ! -name '*_test.go' -type f -print -quit)" ]; then
+if [ ! -x "$output/tailnet" ] || [ -n "$(find "$here" -newer "$output/tailnet" ! -name '*_test.go' -type f)" ]; then
     echo "Building tailnet (about one minute the first time) ..." >&2
     # Where nothing but a time has changed, Go leaves the program as it is.
     (cd "$here" && go build -trimpath -ldflags '-s -w' -o "$output/tailnet" .)

@@ -33,6 +33,7 @@ set(needs_of_DBus Core)
 set(needs_of_Gui Core)
 set(needs_of_Network Core)
 set(needs_of_Svg Gui)
+set(needs_of_Test Core)
 set(needs_of_Widgets Gui)
 
 function(add_framework name)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The part of Core Foundation that src/ uses, declared after Apple's developer documentation
-// for where Apple's own headers are not to be had.
+// The part of Core Foundation that src/ and tests/ use, declared after Apple's developer
+// documentation for where Apple's own headers are not to be had.
 
 #include <MacTypes.h>
 
@@ -23,10 +23,15 @@ typedef const struct __CFString* CFStringRef;
 typedef const struct __CFDictionary* CFDictionaryRef;
 typedef struct __CFDictionary* CFMutableDictionaryRef;
 typedef struct __CFBundle* CFBundleRef;
+typedef const struct __CFData* CFDataRef;
+typedef struct __CFError* CFErrorRef;
+typedef CFIndex CFPropertyListFormat;
+typedef unsigned long CFOptionFlags;
 typedef struct CFDictionaryKeyCallBacks CFDictionaryKeyCallBacks;
 typedef struct CFDictionaryValueCallBacks CFDictionaryValueCallBacks;
 
 enum : CFStringEncoding { kCFStringEncodingUTF8 = 0x08000100 };
+enum : CFOptionFlags { kCFPropertyListImmutable = 0 };
 
 extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFStringRef kCFPreferencesCurrentApplication;
@@ -47,6 +52,8 @@ void CFRelease(CFTypeRef object);
 CFTypeID CFStringGetTypeID(void);
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex size,
                                     CFStringEncoding encoding, Boolean isExternalRepresentation);
+CFStringRef CFStringCreateWithCharacters(CFAllocatorRef allocator, const UniChar* characters,
+                                         CFIndex count);
 CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                          UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
@@ -64,6 +71,11 @@ void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, co
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef application);
 void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFStringRef application);
 Boolean CFPreferencesAppSynchronize(CFStringRef application);
+
+CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex size);
+CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
+                                               CFOptionFlags options, CFPropertyListFormat* format,
+                                               CFErrorRef* error);
 
 CFBundleRef CFBundleGetMainBundle(void);
 CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef key);
