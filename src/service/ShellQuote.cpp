@@ -4,8 +4,11 @@
 namespace brevane {
 
 std::string shellQuote(std::string_view text) {
-    if (text.find_first_of(" ()&'") == std::string_view::npos) return std::string(text);
+    const bool needsQuotes = text.find_first_of(" ()&'") != std::string_view::npos;
+    return needsQuotes ? inSingleQuotes(text) : std::string(text);
+}
 
+std::string inSingleQuotes(std::string_view text) {
     std::string quoted = "'";
     for (const char character : text) {
         if (character == '\'')

@@ -91,7 +91,7 @@ void AddServeView::start() {
     isAdding = true;
     redraw();
     service.add(
-        draft.mode, draft.sourceType, draft.source, draft.urlPath, draft.background,
+        draft.mode, draft.sourceType, draft.source, mountPathWord(draft), draft.background,
         [view = QPointer(this), mode = draft.mode](bool success, const std::string& output) {
             if (view) view->finishStart(mode, success, output);
         });

@@ -18,6 +18,8 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <limits>
+
 namespace brevane {
 
 namespace {
@@ -25,6 +27,8 @@ namespace {
 QLineEdit* makeField() {
     auto* field = new QLineEdit;
     field->setFont(theme().font(TextStyle::field));
+    // The usual limit would cut a pasted text without a word.
+    field->setMaxLength(std::numeric_limits<int>::max());
     field->setTextMargins(5, 0, 5, 0);
     // A file dropped on a field is for the form, which knows what to make of it.
     field->setAcceptDrops(false);

@@ -4,10 +4,14 @@
 #include "AddServeView.h"
 #include "FormTexts.h"
 
+#include <QClipboard>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QLocale>
 #include <QMimeData>
 #include <QTextEdit>
+
+#include <filesystem>
 
 namespace brevane::test {
 namespace {
@@ -145,6 +149,76 @@ TEST_F(AddServeViewTest, AFunnelIsStartedAndNamedAsOne) {
     press("Start Funnel");
     ASSERT_TRUE(until([&] { return shows("Funnel started successfully"); }));
     EXPECT_EQ(changes(), std::vector<std::string>{"funnel --bg --yes 3000"});
+}
+
+TEST_F(AddServeViewTest, ANameIsOneWordWhateverItHolds) {
+    // Each argument on its own, between lines that no name has.
+    changesDo("printf '%s\\n--\\n' \"$@\" > \"$0.arguments\"");
+    choose(SourceType::file);
+    for (const std::string name :
+         {"report.pdf", "my report.pdf", "$(touch x).pdf", "`touch x`.pdf", "it's; touch x #.pdf",
+          "\"a\" > x", "a\\b", "*", "[a-z]?{1,2}", "~", "=zsh", "#a", "!!", "a\tb\nc", "<x>|y&&z",
+          "Grüße 🎈.pdf", "^a", "$HOME"}) {
+        SCOPED_TRACE(name);
+        writeFile(folder / name, "x");
+        source()->setText(toQString((folder / name).string()));
+        settle();
+        const QString before = preview();
+        EXPECT_TRUE(before.endsWith("/" + toQString(name)));
+        press("Start Serve");
+        ASSERT_TRUE(until([&] { return source()->text().isEmpty(); }));
+        const auto arguments = readFile(folder / "tailscale.arguments");
+        EXPECT_TRUE(arguments.starts_with("serve\n--\n--bg\n--\n--set-path\n--\n/" + name +
+                                          "\n--\n--yes\n--\n"))
+            << arguments;
+        EXPECT_FALSE(std::filesystem::exists("x"));
+    }
+}
+
+TEST_F(AddServeViewTest, ATypedPathIsOneWordWhateverItHolds) {
+    changesDo("printf '%s\\n--\\n' \"$@\" > \"$0.arguments\"");
+    urlPath()->setText("/my $(touch x) path;");
+    for (const SourceType type : {SourceType::port, SourceType::directory}) {
+        choose(type);
+        source()->setText(type == SourceType::port ? "3000" : toQString(folder.path.string()));
+        settle();
+        press("Start Serve");
+        ASSERT_TRUE(until([&] { return source()->text().isEmpty(); }));
+        const auto arguments = readFile(folder / "tailscale.arguments");
+        EXPECT_TRUE(arguments.starts_with("serve\n--\n--bg\n--\n--set-path\n--\n"
+                                          "/my $(touch x) path;\n--\n--yes\n--\n"))
+            << arguments;
+        EXPECT_FALSE(std::filesystem::exists("x"));
+    }
+}
+
+TEST_F(AddServeViewTest, ALongTextIsTakenWhole) {
+    const QString text(100'000, 'a');
+    choose(SourceType::text);
+    for (QLineEdit* field : {source(), urlPath()}) {
+        field->setText(text);
+        EXPECT_EQ(field->text().size(), text.size());
+        field->clear();
+        QApplication::clipboard()->setText(text);
+        field->paste();
+        EXPECT_EQ(field->text().size(), text.size());
+        field->insert("b");
+        EXPECT_EQ(field->text().size(), text.size() + 1);
+    }
+    EXPECT_EQ(form().currentDraft().source.size(), 100'001U);
+    EXPECT_EQ(form().currentDraft().urlPath.size(), 100'001U);
+    urlPath()->setText("/");
+    EXPECT_TRUE(preview().startsWith("tailscale serve --bg --yes text:aaa"));
+    EXPECT_TRUE(preview().endsWith("a… and " + QLocale().toString(50'033) + " more characters"));
+}
+
+TEST_F(AddServeViewTest, LineBreaksInAPastedTextStay) {
+    choose(SourceType::text);
+    QApplication::clipboard()->setText("one\ntwo\n");
+    source()->paste();
+    settle();
+    EXPECT_EQ(form().currentDraft().source, "one\ntwo\n");
+    EXPECT_EQ(preview(), "tailscale serve --bg --yes text:one\ntwo\n");
 }
 
 TEST_F(AddServeViewTest, AFailedStartWithEmptyOutputShowsTheFixedMessage) {

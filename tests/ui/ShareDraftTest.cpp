@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace brevane {
 namespace {
 
@@ -83,6 +85,50 @@ TEST(CommandPreview, APathTypedEarlierShowsForATcpForwardToo) {
 
 TEST(CommandPreview, ThePortIsShownAsTyped) {
     EXPECT_EQ(commandPreview({.source = " 3000 "}, host), "tailscale serve --bg --yes  3000 ");
+}
+
+TEST(MountPathWord, APlainPathIsHandedOverAsTyped) {
+    for (const std::string path : {"/", "", "/api", "api", "/a-b_c.d,e:f@g%h+1", "/Grüße"})
+        for (const SourceType type : allSourceTypes)
+            EXPECT_EQ(mountPathWord({.sourceType = type, .source = "/tmp/a.pdf", .urlPath = path}),
+                      path);
+}
+
+TEST(MountPathWord, APathThatTheShellWouldSplitOrInterpretIsQuoted) {
+    for (const SourceType type : allSourceTypes) {
+        const auto word = [type](const std::string& path) {
+            return mountPathWord({.sourceType = type, .source = "/tmp/a.pdf", .urlPath = path});
+        };
+        EXPECT_EQ(word("/my docs"), "'/my docs'");
+        EXPECT_EQ(word("/it's"), R"('/it'\''s')");
+        EXPECT_EQ(word("/$(touch x)"), "'/$(touch x)'");
+        EXPECT_EQ(word(" /"), "' /'");
+        EXPECT_EQ(word("/a\nb"), "'/a\nb'");
+    }
+}
+
+TEST(MountPathWord, EveryCharacterOfTheShellIsQuoted) {
+    for (const char character : std::string(" \t\n!\"#$&'()*;<=>?[\\]^`{|}~"))
+        EXPECT_TRUE(mountPathWord({.source = "3000", .urlPath = std::string("/") + character})
+                        .ends_with("'"))
+            << character;
+}
+
+TEST(MountPathWord, AFileAtTheRootPathIsQuotedByItsName) {
+    const auto word = [](const std::string& source) {
+        return mountPathWord({.sourceType = SourceType::file, .source = source});
+    };
+    EXPECT_EQ(word("/tmp/my files/report.pdf"), "/");
+    EXPECT_EQ(word("/tmp/my report.pdf"), "'/my report.pdf'");
+    EXPECT_EQ(word(" /tmp/my report.pdf \t"), "'/my report.pdf'");
+    EXPECT_EQ(word("/tmp/$(touch x).pdf"), "'/$(touch x).pdf'");
+}
+
+TEST(MountPathWord, OnlyAFileIsNamedInItsPath) {
+    for (const SourceType type : allSourceTypes)
+        if (type != SourceType::file) {
+            EXPECT_EQ(mountPathWord({.sourceType = type, .source = "/tmp/my report.pdf"}), "/");
+        }
 }
 
 TEST(CanStart, NothingStartsWithoutASource) {

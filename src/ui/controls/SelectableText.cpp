@@ -2,6 +2,7 @@
 #include "SelectableText.h"
 
 #include <QKeyEvent>
+#include <QLocale>
 #include <QResizeEvent>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -9,9 +10,31 @@
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 namespace brevane {
+
+namespace {
+
+/// More characters than the lines shown at once can hold.
+constexpr int longText = 5000;
+
+/// Laying out more would keep the window from answering.
+constexpr int clippedText = 50'000;
+
+QString clipped(const QString& text) {
+    const auto rest = text.size() - clippedText;
+    if (rest <= 0) return text;
+    return text.first(clippedText) +
+           SelectableText::tr("… and %1 more characters").arg(QLocale().toString(rest));
+}
+
+QTextOption::WrapMode wrapMode(const QString& text) {
+    // Looking for the end of a word at each of its lines takes quadratic time.
+    return text.size() > longText ? QTextOption::WrapAnywhere
+                                  : QTextOption::WrapAtWordBoundaryOrAnywhere;
+}
+
+} // namespace
 
 /// The text edit inside. Keys that only an editor would take go on to the view around it.
 class SelectableText::Viewer : public QTextEdit {
@@ -23,7 +46,6 @@ public:
         setTabChangesFocus(true);
         setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
         document()->setDocumentMargin(0);
         viewport()->setAutoFillBackground(false);
     }
@@ -75,16 +97,29 @@ void SelectableText::applyTheme() {
 void SelectableText::setShownText(const QString& text) {
     if (viewer == nullptr && text.isEmpty()) return;
     if (viewer == nullptr) makeViewer();
-    if (text == viewer->toPlainText()) return;
-    viewer->setPlainText(text);
+    const QString shown = clipped(text);
+    if (shown == viewer->toPlainText()) return;
+    if (viewer->wordWrapMode() != wrapMode(shown)) {
+        // Setting the mode lays out the old text again.
+        viewer->clear();
+        viewer->setWordWrapMode(wrapMode(shown));
+    }
+    viewer->setPlainText(shown);
     updateGeometry();
 }
 
 int SelectableText::heightForWidth(int width) const {
     if (viewer == nullptr) return fontMetrics().height();
-    const std::unique_ptr<QTextDocument> measured(viewer->document()->clone());
-    measured->setTextWidth(width);
-    const int whole = static_cast<int>(std::ceil(measured->size().height()));
+    const QString text = viewer->toPlainText();
+    QTextDocument measured;
+    measured.setDocumentMargin(0);
+    measured.setDefaultFont(font());
+    QTextOption option;
+    option.setWrapMode(wrapMode(text));
+    measured.setDefaultTextOption(option);
+    measured.setPlainText(text.left(longText));
+    measured.setTextWidth(width);
+    const int whole = static_cast<int>(std::ceil(measured.size().height()));
     return std::min(whole, maximumLines * fontMetrics().lineSpacing());
 }
 

@@ -2,7 +2,10 @@
 #include "ShareDraft.h"
 
 #include "Path.h"
+#include "ShellQuote.h"
 #include "Text.h"
+
+#include <algorithm>
 
 namespace brevane {
 
@@ -32,11 +35,26 @@ std::string plainCommand(const ShareDraft& draft) {
     return command + " --yes " + target(draft);
 }
 
+/// Whether a character stands for itself anywhere in a word of the shell, as all past ASCII do.
+bool isPlain(char character) {
+    const bool isAscii = static_cast<unsigned char>(character) < 0x80;
+    return !isAscii || std::string_view("-+_./,:@%0123456789"
+                                        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ")
+                           .contains(character);
+}
+
 } // namespace
 
 bool canStart(const ShareDraft& draft) {
     const std::string_view source = draft.source;
     return !(isServedByUs(draft.sourceType) ? trimmedOfWhitespace(source) : source).empty();
+}
+
+std::string mountPathWord(const ShareDraft& draft) {
+    std::string path = draft.urlPath;
+    if (draft.sourceType == SourceType::file && path == "/")
+        path += lastPathComponent(trimmedOfWhitespace(draft.source));
+    return std::ranges::all_of(path, isPlain) ? draft.urlPath : inSingleQuotes(path);
 }
 
 std::string commandPreview(const ShareDraft& draft, std::string_view dnsName) {
