@@ -14,34 +14,40 @@ class HttpExchange {
 public:
     HttpExchange(int poll, std::size_t index, std::uint16_t port, const std::string& path);
 
-    /// Connects and sends. `due` is the time that the latency counts from.
-    void begin(std::chrono::steady_clock::time_point due);
+    /// Connects. `due` is the time that the latency counts from.
+    void connect(std::chrono::steady_clock::time_point due);
+    /// Sends the request, and has the epoll instance tell what comes.
+    void request();
     /// Takes what has arrived. True when the exchange is over, well or not.
     [[nodiscard]] bool advance();
 
-    [[nodiscard]] bool isWhole() const { return ended && expected == total; }
-    [[nodiscard]] int status() const { return code; }
-    [[nodiscard]] std::size_t received() const { return total; }
-    [[nodiscard]] std::chrono::steady_clock::time_point due() const { return dueTime; }
+    [[nodiscard]] bool isWhole() const { return ended_ && expected_ == total_; }
+    [[nodiscard]] int status() const { return status_; }
+    [[nodiscard]] std::size_t received() const { return total_; }
+    [[nodiscard]] std::chrono::steady_clock::time_point due() const { return due_; }
+    /// When the first byte of the body had arrived.
+    [[nodiscard]] std::chrono::steady_clock::time_point firstByte() const { return firstByte_; }
 
 private:
     bool send();
     void readHead();
     bool finish(bool atEnd);
 
-    int poll;
-    std::size_t index;
-    std::uint16_t port;
-    std::string request;
-    std::chrono::steady_clock::time_point dueTime;
+    int poll_;
+    std::size_t index_;
+    std::uint16_t port_;
+    std::string request_;
+    std::chrono::steady_clock::time_point due_;
+    std::chrono::steady_clock::time_point firstByte_;
 
-    int socket = -1;
-    bool sent = false;
-    bool ended = false;
-    int code = 0;
-    std::string head;
-    std::size_t total = 0;
-    std::size_t expected = SIZE_MAX;
+    int socket_ = -1;
+    bool sent_ = false;
+    bool ended_ = false;
+    int status_ = 0;
+    std::string head_;
+    std::size_t bodyBegin_ = 0;
+    std::size_t total_ = 0;
+    std::size_t expected_ = SIZE_MAX;
 };
 
 } // namespace brevane::bench

@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: MIT
-// http-client [-c CLIENTS] [-d SECONDS] [-n REQUESTS] [-r RATE] [-s STATUS] PORT PATH
+// http-client [-c CLIENTS] [-d SECONDS] [-n REQUESTS] [-r RATE] [-l SECONDS] [-s STATUS] PORT PATH
 //
 // Asks a server on 127.0.0.1 for PATH over and over, on a new connection each time, and prints one
 // JSON object about it. CLIENTS requests are under way at any time; with -r, RATE requests begin
 // every second, as far as CLIENTS allows, and a late one's latency counts from when it was due.
-// A response that does not have STATUS or the length that it says is an error.
+// With -l, each request is sent so long after its connection. A response that does not have STATUS
+// or the length that it says is an error, and so is one that has not come 5 seconds after the end.
 #include "HttpExchange.h"
 
 #include <sys/epoll.h>
@@ -14,9 +15,9 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,7 @@ struct Options {
     Seconds duration{1};
     std::size_t requests = SIZE_MAX;
     double rate = 0;
+    Seconds late{0};
     int status = 200;
     std::uint16_t port = 0;
     std::string path;
@@ -38,7 +40,7 @@ struct Options {
 
 Options parse(int argc, char** argv) {
     Options options;
-    for (int option = 0; (option = ::getopt(argc, argv, "c:d:n:r:s:")) != -1;) {
+    for (int option = 0; (option = ::getopt(argc, argv, "c:d:n:r:l:s:")) != -1;) {
         switch (option) {
         case 'c':
             options.clients = std::strtoul(optarg, nullptr, 10);
@@ -51,6 +53,9 @@ Options parse(int argc, char** argv) {
             break;
         case 'r':
             options.rate = std::strtod(optarg, nullptr);
+            break;
+        case 'l':
+            options.late = Seconds(std::strtod(optarg, nullptr));
             break;
         case 's':
             options.status = std::atoi(optarg);
@@ -65,77 +70,109 @@ Options parse(int argc, char** argv) {
     return options;
 }
 
+Clock::duration asDuration(Seconds seconds) {
+    return std::chrono::duration_cast<Clock::duration>(seconds);
+}
+
 class LoadClient {
 public:
-    explicit LoadClient(Options asked)
-        : options(std::move(asked)), poll(::epoll_create1(EPOLL_CLOEXEC)) {
-        for (std::size_t index = 0; index < options.clients; ++index) {
-            exchanges.emplace_back(poll, index, options.port, options.path);
-            idle.push_back(index);
+    explicit LoadClient(Options options)
+        : options_(std::move(options)), poll_(::epoll_create1(EPOLL_CLOEXEC)) {
+        for (std::size_t index = 0; index < options_.clients; ++index) {
+            exchanges_.emplace_back(poll_, index, options_.port, options_.path);
+            idle_.push_back(index);
         }
     }
 
     void run() {
-        begun = Clock::now();
-        const auto end = begun + std::chrono::duration_cast<Clock::duration>(options.duration);
+        begun_ = Clock::now();
+        const auto end = begun_ + asDuration(options_.duration);
         for (;;) {
             const auto now = Clock::now();
-            const bool open = now < end && started < options.requests;
+            const bool open = now < end && started_ < options_.requests;
             if (open)
                 start(now);
-            else if (idle.size() == exchanges.size() || now > end + std::chrono::seconds(5))
+            else if (idle_.size() == exchanges_.size() || now > end + std::chrono::seconds(5))
                 break;
-            step(open);
+            sendDue(now);
+            step(untilDue(open, now));
         }
-        elapsed = Clock::now() - begun;
+        elapsed_ = Clock::now() - begun_;
+        errors_ += exchanges_.size() - idle_.size();
     }
 
     void report() {
-        std::ranges::sort(latencies);
-        const auto percentile = [this](double part) {
-            if (latencies.empty()) return 0.0;
-            const auto index = static_cast<std::size_t>(part * double(latencies.size()));
-            return latencies[std::min(index, latencies.size() - 1)].count() * 1e6;
-        };
         std::printf("{\"done\": %zu, \"errors\": %zu, \"bytes\": %zu, \"seconds\": %.6f, "
-                    "\"p50\": %.1f, \"p99\": %.1f, \"cpu\": %.6f}\n",
-                    latencies.size(), errors, bytes, elapsed.count(), percentile(0.5),
-                    percentile(0.99), processorTime());
+                    "\"p50\": %.1f, \"p99\": %.1f, \"first\": %.1f, \"cpu\": %.6f}\n",
+                    latencies_.size(), errors_, bytes_, elapsed_.count(),
+                    percentile(latencies_, 0.5), percentile(latencies_, 0.99),
+                    percentile(firstBytes_, 0.5), processorTime());
     }
 
 private:
+    struct Connected {
+        Clock::time_point due;
+        std::size_t index;
+    };
+
+    [[nodiscard]] Clock::time_point nextDue() const {
+        return begun_ + asDuration(Seconds(double(started_) / options_.rate));
+    }
+
     void start(Clock::time_point now) {
-        while (!idle.empty() && started < options.requests) {
+        while (!idle_.empty() && started_ < options_.requests) {
             auto due = now;
-            if (options.rate > 0) {
-                due = begun + std::chrono::duration_cast<Clock::duration>(
-                                  Seconds(double(started) / options.rate));
-                if (due > now) return;
-            }
-            const std::size_t index = idle.back();
-            idle.pop_back();
-            ++started;
-            exchanges[index].begin(due);
+            if (options_.rate > 0 && (due = nextDue()) > now) return;
+            const std::size_t index = idle_.back();
+            idle_.pop_back();
+            ++started_;
+            exchanges_[index].connect(due);
+            connected_.push_back({now + asDuration(options_.late), index});
         }
     }
 
-    void step(bool open) {
+    void sendDue(Clock::time_point now) {
+        while (!connected_.empty() && connected_.front().due <= now) {
+            exchanges_[connected_.front().index].request();
+            connected_.pop_front();
+        }
+    }
+
+    // How long nothing has to be begun or sent. The last half of a millisecond is spent awake, as
+    // waking up takes its time; the rest is not, as it belongs to whoever shares the processor.
+    [[nodiscard]] timespec untilDue(bool open, Clock::time_point now) const {
+        auto due = now + std::chrono::milliseconds(100);
+        if (open && options_.rate > 0 && !idle_.empty()) due = std::min(due, nextDue());
+        if (!connected_.empty()) due = std::min(due, connected_.front().due);
+        const auto left = std::max<std::chrono::nanoseconds>(
+            due - now - std::chrono::microseconds(500), std::chrono::nanoseconds(0));
+        return {0, static_cast<long>(left.count())};
+    }
+
+    void step(timespec wait) {
         std::array<epoll_event, 256> events{};
-        // Rates are kept to the microsecond by not sleeping.
-        const int timeout = options.rate > 0 && open ? 0 : 100;
-        const int count = ::epoll_wait(poll, events.data(), int(events.size()), timeout);
+        const int count = ::epoll_pwait2(poll_, events.data(), int(events.size()), &wait, nullptr);
         for (int event = 0; event < count; ++event) {
             const std::size_t index = events[static_cast<std::size_t>(event)].data.u64;
-            HttpExchange& exchange = exchanges[index];
+            HttpExchange& exchange = exchanges_[index];
             if (!exchange.advance()) continue;
-            if (exchange.isWhole() && exchange.status() == options.status) {
-                latencies.push_back(Clock::now() - exchange.due());
-                bytes += exchange.received();
+            if (exchange.isWhole() && exchange.status() == options_.status) {
+                latencies_.push_back(Clock::now() - exchange.due());
+                firstBytes_.push_back(exchange.firstByte() - exchange.due());
+                bytes_ += exchange.received();
             } else {
-                ++errors;
+                ++errors_;
             }
-            idle.push_back(index);
+            idle_.push_back(index);
         }
+    }
+
+    // In microseconds; sorts.
+    static double percentile(std::vector<Seconds>& times, double part) {
+        if (times.empty()) return 0;
+        std::ranges::sort(times);
+        const auto index = static_cast<std::size_t>(part * double(times.size()));
+        return times[std::min(index, times.size() - 1)].count() * 1e6;
     }
 
     static double processorTime() {
@@ -147,16 +184,18 @@ private:
         return seconds(usage.ru_utime) + seconds(usage.ru_stime);
     }
 
-    Options options;
-    int poll;
-    std::vector<HttpExchange> exchanges;
-    std::vector<std::size_t> idle;
-    std::size_t started = 0;
-    std::size_t errors = 0;
-    std::size_t bytes = 0;
-    std::vector<Seconds> latencies;
-    Clock::time_point begun;
-    Seconds elapsed{0};
+    Options options_;
+    int poll_;
+    std::vector<HttpExchange> exchanges_;
+    std::vector<std::size_t> idle_;
+    std::deque<Connected> connected_;
+    std::size_t started_ = 0;
+    std::size_t errors_ = 0;
+    std::size_t bytes_ = 0;
+    std::vector<Seconds> latencies_;
+    std::vector<Seconds> firstBytes_;
+    Clock::time_point begun_;
+    Seconds elapsed_{0};
 };
 
 } // namespace

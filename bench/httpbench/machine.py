@@ -10,24 +10,45 @@ import sys
 TICKS = os.sysconf("SC_CLK_TCK")
 
 
-def processors():
-    """The processor of the server and that of its client; the same one where there is no other."""
+def processors(servers=1):
+    """The processors of a server that has so many, and those of its clients: the others, or all where
+    there are no others."""
     allowed = sorted(os.sched_getaffinity(0))
-    return allowed[-1], allowed[0]
+    return allowed[-servers:], allowed[:-servers] or allowed
+
+
+def pinned(processors, command):
+    """The command, on these processors."""
+    return ["taskset", "--cpu-list", ",".join(map(str, processors)), *command]
 
 
 def enter_own_network():
     """Starts the program again in a network of its own, as root: no port is taken there, and the
-    connections that others closed a moment ago do not count."""
+    connections that others closed a moment ago do not count. What it mounts goes with it."""
     if os.environ.get("BREVANE_BENCH_NETWORK") != "own":
         if os.geteuid() != 0 or not shutil.which("unshare"):
             print("http: not root, so the machine's own network is used", file=sys.stderr)
             return
         os.environ["BREVANE_BENCH_NETWORK"] = "own"
-        os.execvp("unshare", ["unshare", "--net", sys.executable, *sys.argv])
+        os.execvp("unshare", ["unshare", "--net", "--mount", sys.executable, *sys.argv])
     subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
     for name, value in (("ip_local_port_range", "10000 65535"), ("tcp_tw_reuse", "1")):
         pathlib.Path("/proc/sys/net/ipv4", name).write_text(value)
+
+
+def can_mount():
+    """Whether a folder that hangs can be made here, with no trace of it elsewhere."""
+    return os.environ.get("BREVANE_BENCH_NETWORK") == "own" and os.access("/dev/fuse", os.R_OK | os.W_OK)
+
+
+def evict(path):
+    """Takes a file out of the kernel's cache; returns whether that worked."""
+    with open(path, "rb") as file:
+        os.fsync(file.fileno())
+        os.posix_fadvise(file.fileno(), 0, 0, os.POSIX_FADV_DONTNEED)
+    cached = subprocess.run(["fincore", "--bytes", "--noheadings", "--output", "RES", path],
+                            check=True, capture_output=True, text=True).stdout
+    return int(cached or 0) < os.path.getsize(path) / 100
 
 
 def family(pid):

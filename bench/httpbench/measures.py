@@ -1,205 +1,17 @@
 # SPDX-License-Identifier: MIT
 """What is measured."""
 
-import json
+import contextlib
 import os
-import random
-import resource
+import select
 import socket
 import statistics
 import subprocess
-import time
+import sys
 
 from . import machine, peers
-
-
-class Bench:
-    """The files that are served, and how a slice is run."""
-
-    def __init__(self, build, rounds, seconds, foreign):
-        self.build, self.rounds, self.seconds, self.foreign = build, rounds, seconds, foreign
-        self.folder = build / "peers/www"
-        resource.setrlimit(resource.RLIMIT_NOFILE, (resource.getrlimit(resource.RLIMIT_NOFILE)[1],) * 2)
-
-    def make_files(self):
-        """Makes the files once; random bytes, so that nothing is saved on holes or by compression."""
-        self.folder.mkdir(parents=True, exist_ok=True)
-        for name, size in (("1k.txt", 1 << 10), ("64k.bin", 64 << 10), ("10m.bin", 10 << 20), ("1g.bin", 1 << 30)):
-            path = self.folder / name
-            if not path.exists() or path.stat().st_size != size:
-                block = random.randbytes(min(size, 1 << 20))
-                with open(path, "wb") as file:
-                    for _ in range(size // len(block)):
-                        file.write(block)
-        entries = self.folder / "list"
-        entries.mkdir(exist_ok=True)
-        for number in range(1000):
-            if number % 10:
-                (entries / f"some file number {number:04}.txt").touch()
-            else:
-                (entries / f"some folder number {number:04}").mkdir(exist_ok=True)
-
-    def client(self, port, path, *options):
-        """Starts the client on its processor."""
-        return subprocess.Popen(
-            ["taskset", "--cpu-list", str(machine.processors()[1]), str(self.build / "bench/http-client"),
-             *map(str, options), str(port), path], stdout=subprocess.PIPE, text=True)
-
-    def slice(self, server, path, *options, beside=()):
-        """One run of the client with what the server used for it; again while others use the
-        processors, up to six times, of which the quietest counts. `beside`: path and options of a
-        second client, which is at work before the first begins and until after it has ended."""
-        best = None
-        for _ in range(6):
-            second = self.client(server.port, *beside) if beside else None
-            if second:
-                time.sleep(0.4)
-            result = self.observe(server, second, path, *options)
-            if second:
-                second.communicate()
-            if best is None or result["foreign"] < best["foreign"]:
-                best = result
-            if result["foreign"] <= self.foreign:
-                break
-        return best
-
-    def observe(self, server, second, path, *options):
-        def used():
-            return [machine.processor_time(process.pid) for process in (server, second) if process]
-
-        before, busy, begun = used(), machine.busy_time(), time.monotonic()
-        result = json.loads(self.client(server.port, path, *options).communicate()[0])
-        elapsed = time.monotonic() - begun
-        after = used()
-        result["server"] = after[0] - before[0]
-        others = machine.busy_time() - busy - (sum(after) - sum(before)) - result["cpu"]
-        result["foreign"] = max(0.0, others) / (elapsed * os.cpu_count())
-        return result
-
-
-def comparison(name, unit, digits, values):
-    """One line per peer: ours, the peer's, and the ratio of ours to the peer's. Beside nginx a
-    measure has its plain name, beside others theirs is added."""
-    for peer, value in values.items():
-        if peer != "brevane" and value and "brevane" in values:
-            plain = peer == "nginx" or peer not in peers.ALL
-            yield {"name": name if plain else f"{name}.{peer}", "value": round(values["brevane"], digits), "unit": unit,
-                   "peer": peer, "peer_value": round(value, digits), "ratio": round(values["brevane"] / value, 3)}
-
-
-class Load:
-    """Slices of one kind of request, the servers in turns; several per round where one interruption of
-    the machine decides a slice."""
-
-    beside = ()
-
-    def __init__(self, name, unit, figure, path, options, without=(), status=200, slices=1):
-        self.name, self.unit, self.figure, self.path = name, unit, figure, path
-        self.options, self.without, self.status, self.slices = options, without, status, slices
-
-    def run(self, bench, servers):
-        chosen = {name: server for name, server in servers.items() if name not in self.without}
-        samples = {name: [] for name in chosen}
-        for turn in range(bench.rounds * self.slices + 1):
-            order = list(chosen) if turn % 2 else list(reversed(chosen))
-            for name in order:
-                result = self.sample(bench, chosen[name])
-                if turn > 0 and result["done"] > 0:  # The first turn warms up.
-                    samples[name].append(self.figure(result))
-        values = {name: statistics.median(figures) for name, figures in samples.items() if figures}
-        yield from comparison(self.name, self.unit, 3, values)
-
-    def sample(self, bench, server):
-        options = [option if option != "SLICE" else bench.seconds for option in self.options]
-        return bench.slice(server, self.path, "-s", self.status, *options, beside=self.beside)
-
-
-class Mixed(Load):
-    """Small requests beside two clients that download a large file over and over."""
-
-    beside = ("/1g.bin", "-c", 2, "-d", 3)
-
-
-class Idle:
-    """Memory of connections whose requests never end."""
-
-    name = "http.idle.memory"
-
-    def run(self, bench, servers):
-        values = {}
-        for name, server in servers.items():
-            if name == "limit":
-                continue
-            bench.client(server.port, "/1k.txt", "-c", 4, "-n", 500).communicate()
-            before = machine.resident(server.pid)
-            idle = idle_connections(server.port, 1000)
-            time.sleep(0.5)
-            values[name] = max(machine.resident(server.pid) - before, 0) / 1000
-            for connection in idle:
-                connection.close()
-        yield from comparison(self.name, "kB", 3, values)
-
-
-class BesideIdle:
-    """Latency beside 5,000 idle connections, with ours without any as the peer."""
-
-    name = "http.idle5000.p99"
-
-    def run(self, bench, servers):
-        server, samples = servers["brevane"], {"brevane": [], "brevane, none idle": []}
-        for _ in range(bench.rounds):
-            options = ("-c", 64, "-r", 1000, "-d", 1)
-            samples["brevane, none idle"].append(bench.slice(server, "/1k.txt", *options)["p99"])
-            alone = machine.descriptors(server.pid)
-            idle = idle_connections(server.port, 5000)
-            wait_until(lambda: machine.descriptors(server.pid) >= alone + len(idle))
-            samples["brevane"].append(bench.slice(server, "/1k.txt", *options)["p99"])
-            for connection in idle:
-                connection.close()
-            wait_until(lambda: machine.descriptors(server.pid) <= alone)
-        yield from comparison(self.name, "µs", 1, {name: statistics.median(s) for name, s in samples.items()})
-
-
-class ManyServers:
-    """Processor time per request with 200 servers in the process, with one alone as the peer."""
-
-    name = "http.servers200.cpu"
-
-    def run(self, bench, servers):
-        started = {}
-        for count in (1, 200):
-            process = subprocess.Popen(
-                ["taskset", "--cpu-list", str(machine.processors()[0]), str(bench.build / "bench/http-many"),
-                 str(bench.folder), str(count)], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
-            ports = [int(process.stdout.readline()) for _ in range(count)]
-            started[count] = process, ports
-        samples = {1: [], 200: []}
-        for turn in range(bench.rounds * 4):
-            for count, (process, ports) in started.items():
-                used = machine.processor_time(process.pid)
-                port = ports[turn * 53 % count]
-                result = json.loads(bench.client(port, "/1k.txt", "-c", 16, "-d", 0.2).communicate()[0])
-                samples[count].append((machine.processor_time(process.pid) - used) / result["done"] * 1e6)
-        for process, _ in started.values():
-            process.communicate()
-        values = {"brevane": statistics.median(samples[200]), "brevane, one server": statistics.median(samples[1])}
-        yield from comparison(self.name, "µs", 2, values)
-
-
-def wait_until(condition):
-    """So that a slice does not pay for what the one before has left to do."""
-    while not condition():
-        time.sleep(0.02)
-    time.sleep(0.1)
-
-
-def idle_connections(port, count):
-    connections = []
-    for _ in range(count):
-        connection = socket.create_connection(("127.0.0.1", port), 5)
-        connection.send(b"GET /1k.txt HTTP/1.1\r\nHost: 127.0.0.1\r\n")
-        connections.append(connection)
-    return connections
+from .comparison import Failed, Figure
+from .slices import wait_until, wait_until_quiet
 
 
 def time_per_request(result):
@@ -218,17 +30,254 @@ def latency(result):
     return result["p99"]
 
 
-SLOW = ("python",)
+def milliseconds_to_first_byte(result):
+    return result["first"] / 1e3
+
+
+class Load:
+    """Slices of one kind of request, the servers in turns; several per round where one interruption of
+    the machine decides a slice."""
+
+    def __init__(self, figure, value, path, options, status=200, slices=1, limit=False, clients=1):
+        self.figures, self.value, self.path = [figure], value, path
+        self.options, self.status, self.slices, self.limit, self.clients = options, status, slices, limit, clients
+
+    def run(self, bench, servers):
+        names = [name for name in servers if name != peers.LIMIT or self.limit]
+        samples = {name: [] for name in names}
+        for turn in range(self.rounds(bench) * self.slices + 1):
+            for name in names if turn % 2 else reversed(names):
+                sample = self.sample(bench, servers[name], self.lengths(bench, warming=turn == 0))
+                if turn > 0:
+                    samples[name].append(sample)
+        yield from self.lines(samples)
+
+    def rounds(self, bench):
+        return bench.long_rounds if "LONG" in self.options else bench.rounds
+
+    def lengths(self, bench, warming):
+        """The options with the length of a slice; the first turn, which warms up, is a short one."""
+        words = {"SLICE": bench.seconds, "LONG": bench.seconds if warming else bench.long_seconds}
+        return [words.get(option, option) for option in self.options]
+
+    def sample(self, bench, server, options):
+        tries = 2 if "LONG" in self.options else 3
+        return bench.slice(server, self.path, "-s", self.status, *options, clients=self.clients, tries=tries)
+
+    def lines(self, samples):
+        yield from self.figures[0].lines(medians(samples, self.value))
+
+
+class Beside(Load):
+    """Small requests beside downloads, and what the downloads get meanwhile: a server that lets them
+    wait is quick for others."""
+
+    def __init__(self, name, path, downloads, wanted):
+        super().__init__(Figure(f"{name}.p99", "µs", 1, wanted=wanted), latency, "/1k.txt", ("-c", 512, "-r", 300, "-d", "LONG"))
+        self.figures.append(Figure(f"{name}.rate", "MB/s", 1, more_is_better=True, note="what the downloads get meanwhile"))
+        self.downloads = (path, downloads)
+
+    def sample(self, bench, server, options):
+        return bench.slice(server, self.path, *options, beside=self.downloads, tries=2)
+
+    def lines(self, samples):
+        yield from super().lines(samples)
+        yield from self.figures[1].lines(medians(samples, lambda result: megabytes_per_second(result["beside"])))
+
+
+class Cold(Load):
+    """A large file that the kernel does not have in its cache. What is below, a disk or another system,
+    may still have it in its own."""
+
+    def sample(self, bench, server, options):
+        if not machine.evict(bench.folder / "1g.bin"):
+            raise Failed("the large file stays in the kernel's cache")
+        return bench.slice(server, self.path, *options, tries=1)
+
+    def rounds(self, bench):
+        return bench.long_rounds
+
+    def run(self, bench, servers):
+        try:
+            yield from super().run(bench, servers)
+        finally:
+            bench.warm("1g.bin")
+
+
+class Cores(Load):
+    """Fresh servers with two processors and as many workers. The client has the others; where there are
+    no others it shares theirs, and takes the same from each server."""
+
+    def run(self, bench, servers):
+        names = [name for name in servers if name != peers.LIMIT]
+        with peers.running(names, bench.build, bench.folder, machine.processors(2)[0]) as wide:
+            yield from super().run(bench, wide)
+
+
+class Idle:
+    """Memory of connections whose requests never end, in servers that have just begun."""
+
+    figures = [Figure("http.idle.memory", "kB", 3, wanted=0.1)]
+
+    def run(self, bench, servers):
+        names = [name for name in servers if name != peers.LIMIT]
+        values = {}
+        with peers.running(names, bench.build, bench.folder, machine.processors()[0]) as fresh:
+            for name, server in fresh.items():
+                bench.slice(server, "/1k.txt", "-c", 4, "-n", 500)
+                wait_until_quiet(server)
+                alone, before = machine.descriptors(server.pid), machine.resident(server.pid)
+                with idle_connections(server.port, 1000):
+                    wait_until(lambda: machine.descriptors(server.pid) >= alone + 1000)
+                    wait_until_quiet(server)
+                    values[name] = max(machine.resident(server.pid) - before, 0) / 1000
+        yield from self.figures[0].lines(values)
+
+
+class BesideIdle:
+    """Latency beside 5,000 idle connections."""
+
+    figures = [Figure("http.idle5000.p99", "µs", 1, wanted=1.5)]
+
+    def run(self, bench, servers):
+        server, alone, beside = servers["brevane"], [], []
+        options = ("-c", 64, "-r", 1000, "-d", bench.long_seconds)
+        for _ in range(bench.long_rounds):
+            alone.append(latency(bench.slice(server, "/1k.txt", *options, tries=2)))
+            descriptors = machine.descriptors(server.pid)
+            with idle_connections(server.port, 5000):
+                wait_until(lambda: machine.descriptors(server.pid) >= descriptors + 5000)
+                wait_until_quiet(server)
+                beside.append(latency(bench.slice(server, "/1k.txt", *options, tries=2)))
+            wait_until(lambda: machine.descriptors(server.pid) <= descriptors)
+            wait_until_quiet(server)
+        yield from self.figures[0].beside_itself(statistics.median(beside), statistics.median(alone), "none idle")
+
+
+class ManyServers:
+    """Processor time per request with 200 servers in the process."""
+
+    figures = [Figure("http.servers200.cpu", "µs", 2, wanted=1.05)]
+
+    def run(self, bench, servers):
+        samples = {1: [], 200: []}
+        with several(bench, 1) as one, several(bench, 200) as many:
+            for turn in range(bench.rounds * 4):
+                for shares in (one, many):
+                    result = bench.slice(shares[turn * 53 % len(shares)], "/1k.txt", "-c", 16, "-d", bench.seconds / 2)
+                    samples[len(shares)].append(time_per_request(result))
+        yield from self.figures[0].beside_itself(statistics.median(samples[200]), statistics.median(samples[1]), "one server")
+
+
+class Hung:
+    """Latency while as many requests as there are processors wait for a folder that hangs: of another
+    share of the process, and of the share that the folder is in."""
+
+    figures = [Figure("http.hung", "µs", 1, wanted=2, note="another share of the process"),
+               Figure("http.hung.same", "µs", 1, wanted=2, note="the share that the folder is in")]
+
+    def run(self, bench, servers):
+        if not machine.can_mount():
+            print("http: http.hung is left out: it takes root and /dev/fuse", file=sys.stderr)
+            return
+        undisturbed, samples = [], [[], []]
+        options = ("-c", 64, "-r", 1000, "-d", bench.long_seconds)
+        for _ in range(bench.long_rounds):
+            with several(bench, 2) as (hanging, other):
+                undisturbed.append(latency(bench.slice(other, "/1k.txt", *options, tries=2)))
+                with hung_folder(bench) as questions, stuck(hanging.port, questions, os.cpu_count()):
+                    for share, latencies in zip((other, hanging), samples):
+                        latencies.append(latency(bench.slice(share, "/1k.txt", *options, tries=2)))
+        for figure, latencies in zip(self.figures, samples):
+            yield from figure.beside_itself(statistics.median(latencies), statistics.median(undisturbed), "no folder hangs")
+
+
+def medians(samples, value):
+    return {name: statistics.median(map(value, results)) for name, results in samples.items()}
+
+
+class Share:
+    """One of several servers in a process."""
+
+    name = "brevane"
+
+    def __init__(self, pid, port):
+        self.pid, self.port, self.processors = pid, port, machine.processors()[0]
+
+
+@contextlib.contextmanager
+def several(bench, count):
+    """So many servers of ours in one process, of the same folder."""
+    command = [str(bench.build / "bench/http-many"), str(bench.folder), str(count)]
+    process = subprocess.Popen(machine.pinned(machine.processors()[0], command),
+                               stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+    try:
+        yield [Share(process.pid, int(process.stdout.readline())) for _ in range(count)]
+    finally:
+        process.communicate()
+
+
+@contextlib.contextmanager
+def hung_folder(bench):
+    """The folder "hung" hangs; gives the pipe that has a line for each question that somebody waits for."""
+    process = subprocess.Popen([str(bench.build / "bench/http-hung"), str(bench.folder / "hung")],
+                               stdin=subprocess.PIPE, stdout=subprocess.PIPE, bufsize=0)
+    try:
+        if process.stdout.readline() != b"mounted\n":
+            raise Failed("no folder that hangs could be mounted")
+        yield process.stdout
+    finally:
+        process.communicate()
+
+
+@contextlib.contextmanager
+def stuck(port, questions, count):
+    """So many requests for the folder that hangs; how many of them get as far as to ask it, in a second
+    each, is the server's affair."""
+    with contextlib.ExitStack() as open_connections:
+        asked = 0
+        for number in range(count):
+            connection = open_connections.enter_context(socket.create_connection(("127.0.0.1", port), 5))
+            connection.send(f"GET /hung/{number} HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n".encode())
+            if select.select([questions], [], [], 1)[0]:
+                questions.readline()
+                asked += 1
+        if asked == 0:
+            raise Failed("no request has asked the folder that hangs")
+        yield
+
+
+@contextlib.contextmanager
+def idle_connections(port, count):
+    with contextlib.ExitStack() as open_connections:
+        for _ in range(count):
+            connection = open_connections.enter_context(socket.create_connection(("127.0.0.1", port), 5))
+            connection.send(b"GET /1k.txt HTTP/1.1\r\nHost: 127.0.0.1\r\n")
+        yield
+
+
+INDEX = "nginx's index also prints size and date of each entry, and so does lighttpd's"
+CLOSED_LOOP = ("-c", 16, "-d", "SLICE")
 ALL = [
-    Load("http.1k.cpu", "µs", time_per_request, "/1k.txt", ("-c", 16, "-d", "SLICE")),
-    Load("http.64k.cpu", "µs", time_per_request, "/64k.bin", ("-c", 16, "-d", "SLICE")),
-    Load("http.404.cpu", "µs", time_per_request, "/nothing", ("-c", 16, "-d", "SLICE"), status=404),
-    Load("http.list.rate", "1/s", requests_per_second, "/list/", ("-c", 8, "-d", "SLICE"), without=("limit",)),
-    Load("http.10m.rate", "MB/s", megabytes_per_second, "/10m.bin", ("-c", 4, "-d", "SLICE"), without=("limit",), slices=3),
-    Load("http.1g.rate", "MB/s", megabytes_per_second, "/1g.bin", ("-c", 1, "-n", 1, "-d", 60), without=("limit",)),
-    Load("http.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 4000, "-d", 0.2), without=("limit", *SLOW), slices=7),
-    Mixed("http.mixed.p99", "µs", latency, "/1k.txt", ("-c", 512, "-r", 300, "-d", 2), without=("limit", *SLOW)),
+    Load(Figure("http.1k.cpu", "µs", 2, wanted=1.0), time_per_request, "/1k.txt", CLOSED_LOOP, limit=True),
+    Load(Figure("http.late.cpu", "µs", 2, wanted=1.0), time_per_request, "/1k.txt", (*CLOSED_LOOP, "-l", 0.001), limit=True),
+    Load(Figure("http.64k.cpu", "µs", 2, wanted=1.05), time_per_request, "/64k.bin", CLOSED_LOOP, limit=True),
+    Load(Figure("http.404.cpu", "µs", 2, wanted=0.85), time_per_request, "/nothing", CLOSED_LOOP, status=404, limit=True),
+    Load(Figure("http.list.rate", "1/s", 1, beside="fastest", wanted=4, more_is_better=True, note=INDEX),
+         # One client: lighttpd makes one index at a time, and refuses whoever asks meanwhile.
+         requests_per_second, "/list/", ("-c", 1, "-d", "SLICE")),
+    Load(Figure("http.10m.rate", "MB/s", 1, beside="fastest", wanted=1.0, more_is_better=True),
+         megabytes_per_second, "/10m.bin", ("-c", 4, "-d", "SLICE"), slices=2),
+    Load(Figure("http.1g.rate", "MB/s", 1, beside="fastest", wanted=1.0, more_is_better=True),
+         megabytes_per_second, "/1g.bin", ("-c", 1, "-n", 1, "-d", 60)),
+    Load(Figure("http.p99", "µs", 1, wanted=1.0), latency, "/1k.txt", ("-c", 512, "-r", 4000, "-d", "LONG")),
+    Beside("http.mixed", "/1g.bin", 2, wanted=1.2),
+    Beside("http.crowd", "/10m.bin", 300, wanted=2),
+    Load(Figure("http.first_byte.warm", "ms", 3), milliseconds_to_first_byte, "/1g.bin", ("-c", 1, "-n", 1, "-d", 60)),
+    Cold(Figure("http.first_byte.cold", "ms", 3), milliseconds_to_first_byte, "/1g.bin", ("-c", 1, "-n", 1, "-d", 60)),
+    Cores(Figure("http.cores", "1/s", 1, more_is_better=True), requests_per_second, "/1k.txt", ("-c", 32, "-d", "SLICE"), clients=2),
     Idle(),
+    Hung(),
     BesideIdle(),
     ManyServers(),
 ]

@@ -1,8 +1,9 @@
 # SPDX-License-Identifier: MIT
 """The servers that are measured: ours, its peers, and the limit."""
 
+import contextlib
+import itertools
 import os
-import pathlib
 import shutil
 import signal
 import socket
@@ -12,19 +13,38 @@ import time
 
 from . import machine
 
-ALL = ["nginx", "lighttpd", "caddy", "miniserve", "python", "limit"]
+ALL = ["nginx-small", "nginx-large", "lighttpd", "caddy", "miniserve", "limit"]
+# No server to be used, so that nothing is compared with it but by its own name.
+LIMIT = "limit"
 
 NGINX = """
-worker_processes 1; daemon off; pid {run}/nginx.pid; error_log {run}/nginx.log crit; {user}
-events {{ worker_connections 16384; }}
+worker_processes {workers}; daemon off; pid {run}/{name}.pid; error_log {run}/{name}.log crit; {user}
+events {{ worker_connections 16384; {events} }}
 http {{
-  access_log off; keepalive_timeout 0; sendfile on; tcp_nopush on; server_tokens off;
+  access_log off; log_not_found off; keepalive_timeout 0; server_tokens off; {http}
   types {{ text/plain txt; }} default_type application/octet-stream;
   client_body_temp_path {run}/body; proxy_temp_path {run}/proxy; fastcgi_temp_path {run}/fastcgi;
   uwsgi_temp_path {run}/uwsgi; scgi_temp_path {run}/scgi;
-  server {{ listen [::]:{port} ipv6only=off backlog=4096; root {folder}; autoindex on; }}
+  server {{ listen [::]:{port} ipv6only=off backlog=4096 {listen}; root {folder}; autoindex on; }}
 }}
 """
+
+# As those who know it set it: a connection is handed over with its request, files stay open and looked
+# up, and a small file is read into one buffer and sent with its head by one call ...
+NGINX_SMALL = {
+    "events": "multi_accept on;",
+    "http": "sendfile off; output_buffers 1 128k; open_file_cache max=10000 inactive=60s; open_file_cache_valid 60s; "
+            "open_file_cache_min_uses 1; open_file_cache_errors on;",
+    "listen": "deferred",
+}
+# ... while a large one goes from the kernel's cache to the socket, in turns, so that no download has a
+# worker to itself.
+NGINX_LARGE = {
+    "events": "",
+    "http": "sendfile on; sendfile_max_chunk 1m; tcp_nopush on; open_file_cache max=10000 inactive=60s; "
+            "open_file_cache_valid 60s; open_file_cache_min_uses 1; open_file_cache_errors on;",
+    "listen": "deferred",
+}
 
 LIGHTTPD = """
 server.document-root = "{folder}"
@@ -32,6 +52,8 @@ server.port = {port}
 server.bind = "127.0.0.1"
 server.max-keep-alive-requests = 0
 server.max-fds = 20000
+server.max-worker = {children}
+server.defer-accept = 1
 server.listen-backlog = 4096
 server.modules = ( "mod_dirlisting" )
 dir-listing.activate = "enable"
@@ -50,11 +72,16 @@ http://:{port} {{
 """
 
 
+def product(name):
+    """The program that a peer is: nginx is there twice, set for small and for large files."""
+    return name.partition("-")[0]
+
+
 def fetch(names, build):
     """Unpacks Debian's packages of these peers, as far as they can be had; takes a network."""
     fetched = build / "peers/fetch"
     fetched.mkdir(parents=True, exist_ok=True)
-    for package in names:
+    for package in map(product, names):
         folder = build / "peers" / package
         if package not in ("nginx", "lighttpd", "caddy") or folder.exists():
             continue
@@ -75,47 +102,58 @@ def program(name, build):
     return shutil.which(name)
 
 
-def command(name, port, folder, build):
-    """What starts the server; None where its program cannot be had."""
+def command(name, port, folder, build, workers):
+    """What starts the server with so many workers, where it has such; None where its program cannot be had."""
     run = build / "peers/run"
     run.mkdir(parents=True, exist_ok=True)
     if name == "brevane":
         return [str(build / "tools/serve-folder/serve-folder"), str(folder), str(port)]
-    if name == "limit":
+    if name == LIMIT:
         return [str(build / "bench/http-limit"), str(folder), str(port)]
-    if name == "python":
-        return [sys.executable, "-m", "http.server", str(port), "--bind", "127.0.0.1", "-d", str(folder)]
-    path = program(name, build)
+    path = program(product(name), build)
     if path is None:
         return None
-    user = "user root;" if os.geteuid() == 0 else ""
+    text, options = {
+        "nginx-small": (NGINX, NGINX_SMALL), "nginx-large": (NGINX, NGINX_LARGE),
+        "lighttpd": (LIGHTTPD, {}), "caddy": (CADDY, {}), "miniserve": ("", {}),
+    }[name]
+    if "listen" in options and workers > 1:
+        options = {**options, "listen": options["listen"] + " reuseport"}
     configuration = run / f"{name}.conf"
-    text = {"nginx": NGINX, "lighttpd": LIGHTTPD, "caddy": CADDY}.get(name, "")
-    configuration.write_text(text.format(run=run, port=port, folder=folder, user=user))
+    configuration.write_text(text.format(
+        name=name, run=run, port=port, folder=folder, workers=workers, children=workers if workers > 1 else 0,
+        user="user root;" if os.geteuid() == 0 else "", **options))
     return {
-        "nginx": [path, "-c", str(configuration), "-e", str(run / "nginx.log")],
+        "nginx": [path, "-c", str(configuration), "-e", str(run / f"{name}.log")],
         "lighttpd": [path, "-D", "-f", str(configuration), "-m", str(build / "peers/lighttpd/usr/lib/lighttpd")],
         "caddy": [path, "run", "--config", str(configuration), "--adapter", "caddyfile"],
         "miniserve": [path, "-p", str(port), "-q", str(folder)],
-    }[name]
+    }[product(name)]
 
 
 class Server:
-    """A running server, on the processor that servers have."""
+    """A running server, on the processors that servers have."""
 
-    def __init__(self, name, port, arguments, build):
-        self.name, self.port = name, port
+    _ports = itertools.count(8101)
+
+    def __init__(self, name, folder, build, processors):
+        self.name, self.port, self.processors, self.process = name, next(self._ports), processors, None
+        self.log = build / f"peers/run/{name}.out"
+        arguments = command(name, self.port, folder, build, len(processors))
+        if arguments is None:
+            self.log.write_text("there is no such program")
+            return
         home = {**os.environ, "XDG_DATA_HOME": str(build / "peers/run"), "XDG_CONFIG_HOME": str(build / "peers/run")}
-        with open(build / f"peers/run/{name}.out", "w") as output:
+        with open(self.log, "w") as output:
             self.process = subprocess.Popen(
-                ["taskset", "--cpu-list", str(machine.processors()[0]), *arguments],
-                stdin=subprocess.PIPE, stdout=output, stderr=output, env=home)
+                machine.pinned(processors, arguments), stdin=subprocess.PIPE, stdout=output, stderr=output,
+                env=home, start_new_session=True)  # Two-process lighttpd ends its whole process group.
         self.pid = self.process.pid
 
     def wait(self):
         """Whether the server has come to answer."""
         for _ in range(200):
-            if self.process.poll() is not None:
+            if self.process is None or self.process.poll() is not None:
                 return False
             try:
                 socket.create_connection(("127.0.0.1", self.port), 1).close()
@@ -125,6 +163,8 @@ class Server:
         return False
 
     def stop(self):
+        if self.process is None:
+            return
         self.process.send_signal(signal.SIGTERM)
         self.process.stdin.close()
         try:
@@ -134,15 +174,17 @@ class Server:
             self.process.wait()
 
 
-def start(names, build, folder):
-    """The running servers by name; what cannot be had is left out."""
+@contextlib.contextmanager
+def running(names, build, folder, processors):
+    """The running servers by name, each with these processors; what cannot be had is left out."""
     servers = {}
-    for port, name in enumerate(names, start=8101):
-        arguments = command(name, port, folder, build)
-        server = Server(name, port, arguments, build) if arguments else None
-        if server and server.wait():
-            servers[name] = server
-        else:
-            log = pathlib.Path(build, f"peers/run/{name}.out")
-            print(f"http: {name} is left out: {log.read_text()[-300:] if server else 'there is no such program'}", file=sys.stderr)
-    return servers
+    try:
+        for name in names:
+            server = servers[name] = Server(name, folder, build, processors)
+            if not server.wait():
+                print(f"http: {name} is left out: {server.log.read_text()[-300:]}", file=sys.stderr)
+                servers.pop(name).stop()
+        yield servers
+    finally:
+        for server in servers.values():
+            server.stop()

@@ -1,0 +1,133 @@
+# SPDX-License-Identifier: MIT
+"""The files that are served, and how a slice is run."""
+
+import contextlib
+import json
+import os
+import random
+import resource
+import subprocess
+import time
+
+from . import machine
+from .comparison import Failed
+
+SIZES = {"1k.txt": 1 << 10, "64k.bin": 64 << 10, "10m.bin": 10 << 20, "1g.bin": 1 << 30}
+
+
+class Bench:
+    """`rounds` slices of `seconds` for means, `long_rounds` of `long_seconds` for 99th percentiles."""
+
+    def __init__(self, build, asked):
+        self.build, self.folder, self.foreign = build, build / "peers/www", asked.foreign
+        self.rounds, self.seconds = asked.rounds, asked.slice
+        self.long_rounds, self.long_seconds = asked.long_rounds, asked.long_slice
+        resource.setrlimit(resource.RLIMIT_NOFILE, (resource.getrlimit(resource.RLIMIT_NOFILE)[1],) * 2)
+
+    def make_files(self):
+        """Makes the files once; random bytes, so that nothing is saved on holes or by compression."""
+        self.folder.mkdir(parents=True, exist_ok=True)
+        for name, size in SIZES.items():
+            path = self.folder / name
+            if not path.exists() or path.stat().st_size != size:
+                block = random.randbytes(min(size, 1 << 20))
+                with open(path, "wb") as file:
+                    for _ in range(size // len(block)):
+                        file.write(block)
+        entries = self.folder / "list"
+        entries.mkdir(exist_ok=True)
+        for number in range(1000):
+            if number % 10:
+                (entries / f"some file number {number:04}.txt").touch()
+            else:
+                (entries / f"some folder number {number:04}").mkdir(exist_ok=True)
+        (self.folder / "hung").mkdir(exist_ok=True)
+
+    def warm(self, name):
+        """Brings a file into the kernel's cache."""
+        with open(self.folder / name, "rb", buffering=0) as file:
+            while file.read(1 << 20):
+                pass
+
+    def client(self, server, path, *options):
+        """Starts the client on its processors; before all others there, as far as that is allowed, so
+        that a client beside it does not count as the server's delay."""
+        urgent = ["nice", "-n", "-10"] if os.geteuid() == 0 and "-r" in options else []
+        command = [*urgent, str(self.build / "bench/http-client"), *map(str, options), str(server.port), path]
+        return subprocess.Popen(machine.pinned(machine.processors(len(server.processors))[1], command),
+                                stdout=subprocess.PIPE, text=True)
+
+    @contextlib.contextmanager
+    def downloads(self, server, path, clients, seconds):
+        """Clients that download a file over and over, at work when the block begins; gives their process,
+        and afterwards their result in its `result`."""
+        before = machine.processor_time(server.pid)
+        process = self.client(server, path, "-c", clients, "-d", seconds)
+        try:
+            wait_until(lambda: machine.processor_time(server.pid) - before > 0.1 or process.poll() is not None)
+            yield process
+        finally:
+            process.result = result_of(process)
+
+    def slice(self, server, path, *options, beside=None, clients=1, tries=3):
+        """One run of the client, or of so many, with what the server used for it; again while others use
+        the processors, of which the quietest counts. `beside`: path and number of downloads at work
+        meanwhile. An error in any run fails the measure."""
+        best = None
+        for _ in range(tries):
+            if beside:
+                with self.downloads(server, *beside, seconds=options[options.index("-d") + 1] + 1) as second:
+                    result = self.observe(server, [second], path, options, clients)
+                result["beside"] = second.result
+                refuse_errors(server, second.result)
+            else:
+                result = self.observe(server, [], path, options, clients)
+            refuse_errors(server, result)
+            if best is None or result["foreign"] < best["foreign"]:
+                best = result
+            if result["foreign"] <= self.foreign:
+                break
+        return best
+
+    def observe(self, server, others, path, options, clients):
+        def used():
+            return [machine.processor_time(process.pid) for process in (server, *others)]
+
+        before, busy, begun = used(), machine.busy_time(), time.monotonic()
+        processes = [self.client(server, path, *options) for _ in range(clients)]
+        results = [result_of(process) for process in processes]
+        elapsed = time.monotonic() - begun
+        after = used()
+        result = {name: sum(each[name] for each in results) for name in ("done", "errors", "bytes", "cpu")}
+        result |= {name: max(each[name] for each in results) for name in ("seconds", "p99", "first")}
+        result["server"] = after[0] - before[0]
+        foreign = machine.busy_time() - busy - (sum(after) - sum(before)) - result["cpu"]
+        result["foreign"] = max(0.0, foreign) / (elapsed * os.cpu_count())
+        return result
+
+
+def result_of(process):
+    return json.loads(process.communicate()[0])
+
+
+def refuse_errors(server, result):
+    if result["errors"] or not result["done"]:
+        raise Failed(f"{server.name}: {result['errors']} requests of {result['done'] + result['errors']} failed")
+
+
+def wait_until(condition, seconds=30):
+    end = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > end:
+            raise Failed(f"what the measure waits for has not come in {seconds} seconds")
+        time.sleep(0.02)
+
+
+def wait_until_quiet(server):
+    """Until the server has done what it has left to do."""
+    used = []
+
+    def is_quiet():
+        used.append(machine.processor_time(server.pid))
+        return len(used) > 10 and used[-1] - used[-10] < 0.001
+    wait_until(is_quiet)
