@@ -54,7 +54,8 @@ int main(int argc, char** argv) {
     QtMainQueue mainQueue;
     SerialQueue queue("tailscale");
     const Configuration configuration{argv[1], "/bin/zsh", "/usr/bin:/bin"};
-    AppDelegate delegate({configuration, mainQueue, queue, preferences, pool});
+    AppDelegate delegate(
+        {configuration, mainQueue, queue, preferences, pool, [] { QApplication::exit(); }});
     delegate.applicationDidFinishLaunching();
     QMainWindow& window = *delegate.window;
 

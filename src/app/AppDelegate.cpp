@@ -11,6 +11,7 @@
 #include "WindowPlacement.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QIcon>
 #include <QMainWindow>
 #include <QMenuBar>
@@ -19,12 +20,28 @@
 #include <QSvgRenderer>
 
 #include <chrono>
+#include <utility>
 
 namespace brevane {
 
 namespace {
 
 constexpr auto firstFramePatience = std::chrono::milliseconds(100);
+
+/// Closing it is a request to quit, which is made before anything that may block.
+class MainWindow : public QMainWindow {
+public:
+    explicit MainWindow(std::function<void()> quit) : quit_(std::move(quit)) {}
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        quit_();
+        QMainWindow::closeEvent(event);
+    }
+
+private:
+    std::function<void()> quit_;
+};
 
 void setApplicationIcon() {
 #ifdef __APPLE__
@@ -48,7 +65,7 @@ void setApplicationIcon() {
 
 } // namespace
 
-AppDelegate::AppDelegate(const Environment& given) : environment(given) {}
+AppDelegate::AppDelegate(const Environment& environment) : environment_(environment) {}
 
 AppDelegate::~AppDelegate() {
     interruptCommands();
@@ -60,14 +77,14 @@ void AppDelegate::applicationDidFinishLaunching() {
     setApplicationIcon();
     theme().loadFonts();
     service =
-        TailscaleService::create(environment.configuration, environment.mainQueue,
-                                 environment.queue, environment.preferences, environment.pool);
-    window = std::make_unique<QMainWindow>();
-    window->setCentralWidget(new ContentView(*service, environment.mainQueue));
+        TailscaleService::create(environment_.configuration, environment_.mainQueue,
+                                 environment_.queue, environment_.preferences, environment_.pool);
+    window = std::make_unique<MainWindow>(environment_.quit);
+    window->setCentralWidget(new ContentView(*service, environment_.mainQueue));
     // A menu bar waits for the session bus, so it is made when that has had time to answer.
     setupMenu();
 #ifndef __APPLE__
-    window->setMenuBar(menuBar.release());
+    window->setMenuBar(menuBar_.release());
 #endif
     window->setWindowTitle("Brevane");
     window->setMinimumSize(640, 500);
@@ -95,9 +112,9 @@ void AppDelegate::showAboutWindow() {
 }
 
 void AppDelegate::setupMenu() {
-    menuBar = std::make_unique<QMenuBar>();
+    menuBar_ = std::make_unique<QMenuBar>();
     fillMenuBar(
-        *menuBar, [this] { showAbout(); }, [] { QApplication::exit(); });
+        *menuBar_, [this] { showAbout(); }, environment_.quit);
 }
 
 } // namespace brevane

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <functional>
 #include <memory>
 
 class QMainWindow;
@@ -27,6 +28,7 @@ public:
         SerialQueue& queue;
         Preferences& preferences;
         ServerPool& pool;
+        std::function<void()> quit; ///< asks the program to end
     };
 
     explicit AppDelegate(const Environment& environment);
@@ -44,7 +46,7 @@ public:
     /// Brings the main window to the front.
     void activate();
 
-    /// Ends the command under way; no other is started any more.
+    /// Ends the command under way; no other is started any more. Any thread once it is launched.
     void interruptCommands();
 
     /// The menu item.
@@ -56,8 +58,8 @@ public:
 private:
     void setupMenu();
 
-    Environment environment;
-    std::unique_ptr<QMenuBar> menuBar;
+    Environment environment_;
+    std::unique_ptr<QMenuBar> menuBar_;
 
 public:
     std::shared_ptr<TailscaleService> service; ///< none before the launch

@@ -9,17 +9,15 @@
 namespace brevane {
 
 QtMainQueue::QtMainQueue() {
-    QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &receiver,
-                     [this] { close(); });
+    QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, &receiver_,
+                     [this] {
+                         close();
+                         QCoreApplication::removePostedEvents(&receiver_);
+                     });
 }
 
 void QtMainQueue::post(std::function<void()> task) {
-    if (isOpen) QMetaObject::invokeMethod(&receiver, std::move(task), Qt::QueuedConnection);
-}
-
-void QtMainQueue::close() {
-    isOpen = false;
-    QCoreApplication::removePostedEvents(&receiver);
+    if (isOpen_) QMetaObject::invokeMethod(&receiver_, std::move(task), Qt::QueuedConnection);
 }
 
 } // namespace brevane

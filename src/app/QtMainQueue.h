@@ -17,14 +17,16 @@ public:
     /// Drops what still waits.
     ~QtMainQueue() override = default;
 
-    /// Once the event loop has ended, `task` is destroyed on the calling thread.
+    /// Once the queue is closed, `task` is destroyed on the calling thread.
     void post(std::function<void()> task) override;
 
-private:
-    void close();
+    /// Takes no task any more; those that wait are still run. The end of the event loop closes it
+    /// too, and drops what waits. Any thread.
+    void close() { isOpen_ = false; }
 
-    std::atomic<bool> isOpen = true;
-    QObject receiver;
+private:
+    std::atomic<bool> isOpen_ = true;
+    QObject receiver_;
 };
 
 } // namespace brevane

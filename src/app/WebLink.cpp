@@ -3,6 +3,7 @@
 
 #include "Color.h"
 #include "Painting.h"
+#include "QuitWatch.h"
 #include "Theme.h"
 
 #include <QDesktopServices>
@@ -27,7 +28,10 @@ WebLink::WebLink(const QString& text, const QUrl& site, QWidget* parent) : QAbst
     setAccessibleName(text);
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
-    connect(this, &QAbstractButton::clicked, this, [site] { QDesktopServices::openUrl(site); });
+    connect(this, &QAbstractButton::clicked, this, [site] {
+        const QuitWatch::Unblocked forTheBrowser;
+        QDesktopServices::openUrl(site);
+    });
 }
 
 QSize WebLink::sizeHint() const {

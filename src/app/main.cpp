@@ -4,11 +4,14 @@
 #include "Configuration.h"
 #include "FileHTTPServer.h"
 #include "FontList.h"
+#include "LastWords.h"
+#include "OpenFileLimit.h"
 #include "Preferences.h"
 #include "QtMainQueue.h"
-#include "QuitSignals.h"
+#include "QuitWatch.h"
 #include "SerialQueue.h"
 #include "Theme.h"
+#include "UserAccount.h"
 
 #ifndef __APPLE__
 #include "FilePreferences.h"
@@ -17,13 +20,11 @@
 
 #include <QApplication>
 
-#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <memory>
-#include <thread>
 #include <vector>
 
 #include <unistd.h>
@@ -32,25 +33,15 @@ namespace {
 
 using namespace brevane;
 
-/// The process ends after this time even if it could not end in order: a file server's thread may
-/// be waiting for a slow disk, and nothing can interrupt that. Nothing is lost by it, since the
-/// preferences are replaced in one step and commands have been ended by then.
-void endAtTheLatestIn(std::chrono::milliseconds time) {
-    std::thread([time] {
-        std::this_thread::sleep_for(time);
-        _exit(EXIT_SUCCESS);
-    }).detach();
-}
-
 /// Ends commands under way and waits for that. Set while there may be some.
 std::function<void()> endCommands;
 
 int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaunched) {
     QApplication::setApplicationName("Brevane");
     QApplication::setDesktopFileName("com.brevane.brevane");
+    QuitWatch quitWatch;
     const auto fonts = readFontList();
     const QApplication application(argc, argv);
-    const QuitSignals quitSignals([] { QApplication::exit(); });
     const Theme theme;
 
     // What is below uses what is above, also from its threads: the order of ending is the reverse.
@@ -59,22 +50,37 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     QtMainQueue mainQueue;
     auto queue = std::make_unique<SerialQueue>("tailscale");
     const Configuration configuration = Configuration::compiledIn();
-    AppDelegate delegate({configuration, mainQueue, *queue, *preferences, pool});
+    AppDelegate delegate(
+        {configuration, mainQueue, *queue, *preferences, pool, [&] { quitWatch.request(); }});
 
-    // Qt ends the process on the spot when the display goes away.
+    // Qt calls exit() when the display goes away, which would destroy static objects under the
+    // threads that use them.
     endCommands = [&] {
+        quitWatch.onRequest(nullptr);
+        quitWatch.request(EXIT_FAILURE);
         delegate.interruptCommands();
         queue.reset();
     };
     std::atexit([] {
-        if (endCommands) endCommands();
+        if (!endCommands) return;
+        endCommands();
+        _exit(EXIT_FAILURE);
     });
 
     delegate.applicationDidFinishLaunching();
     hasLaunched(delegate);
+    quitWatch.onRequest([&] {
+        // What commands report from here on is dropped: one that is ended half-way looks as if it
+        // had failed, whatever it has made.
+        mainQueue.close();
+        delegate.interruptCommands();
+        QMetaObject::invokeMethod(
+            QCoreApplication::instance(), [] { QCoreApplication::exit(); }, Qt::QueuedConnection);
+    });
     const int status = QApplication::exec();
+    quitWatch.onRequest(nullptr);
+    quitWatch.request();
     endCommands = nullptr;
-    endAtTheLatestIn(std::chrono::milliseconds(1800));
     return status;
 }
 
@@ -86,6 +92,10 @@ int main(int argc, char** argv) {
         std::fputs(answer->text.c_str(), answer->status == 0 ? stdout : stderr);
         return answer->status;
     }
+    installLastWords();
+    raiseOpenFileLimit();
+    // It is kept for when there is no descriptor left to ask with.
+    static_cast<void>(homeDirectory());
     // A client that hangs up is an error of writing to it, and commands are waited for, whatever
     // the program that started this one has set.
     std::signal(SIGPIPE, SIG_IGN);

@@ -40,6 +40,18 @@ Descriptor acceptFrom(int listening) {
 #endif
 }
 
+// A new socket, which no child inherits; none, and errno, where there is none to have.
+Descriptor openSocket(const tcp& protocol) {
+#ifdef __linux__
+    return Descriptor(
+        ::socket(protocol.family(), protocol.type() | SOCK_CLOEXEC, protocol.protocol()));
+#else
+    Descriptor opened(::socket(protocol.family(), protocol.type(), protocol.protocol()));
+    if (opened.isOpen()) ::fcntl(opened.get(), F_SETFD, FD_CLOEXEC);
+    return opened;
+#endif
+}
+
 enum class Trouble { none, passing, shortage, fatal };
 
 // What accept(2) may report, sorted by what helps.
@@ -76,7 +88,10 @@ std::error_code Acceptor::listen(std::uint16_t port) {
 boost::system::error_code Acceptor::listenOn(const tcp::endpoint& address) {
     try {
         socket.close();
-        socket.open(address.protocol());
+        Descriptor opened = openSocket(address.protocol());
+        if (!opened.isOpen()) return {errno, boost::system::system_category()};
+        socket.assign(address.protocol(), opened.get());
+        static_cast<void>(opened.release());
         if (address.protocol() == tcp::v6()) socket.set_option(boost::asio::ip::v6_only(false));
         socket.set_option(tcp::acceptor::reuse_address(true));
         socket.native_non_blocking(true);

@@ -22,6 +22,9 @@ public:
     [[nodiscard]] int get() const { return number; }
     [[nodiscard]] bool isOpen() const { return number != -1; }
 
+    /// Hands it over to the caller, who closes it.
+    [[nodiscard]] int release() { return std::exchange(number, -1); }
+
     void close() {
         if (isOpen()) ::close(std::exchange(number, -1));
     }

@@ -2,6 +2,7 @@
 #include "RunningChild.h"
 
 #include "ExitWatch.h"
+#include "GroupGuard.h"
 #include "SystemError.h"
 
 #include <poll.h>
@@ -23,7 +24,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// How long an interrupted child has to end by itself.
+// How long a child has from SIGTERM to SIGKILL.
 constexpr std::chrono::seconds grace{1};
 
 // In milliseconds.
@@ -47,30 +48,37 @@ int millisecondsUntil(Clock::time_point time) {
 
 } // namespace
 
-RunningChild::RunningChild(pid_t launched, Descriptor output, Descriptor error)
-    : process(launched), standardOutput(std::move(output)), standardError(std::move(error)) {}
+RunningChild::RunningChild(pid_t process, Descriptor standardOutput, Descriptor standardError,
+                           milliseconds patience)
+    : process_(process), standardOutput_(std::move(standardOutput)),
+      standardError_(std::move(standardError)), patience_(patience) {}
 
 std::expected<ChildProcess::Outcome, std::error_code>
 RunningChild::finish(const Interrupt& interrupt) {
-    drainUntilExit(interrupt);
+    {
+        const GroupGuard guard(process_);
+        drainUntilExit(interrupt);
+    }
     int status = 0;
-    while (waitpid(process, &status, 0) == -1) {
+    while (waitpid(process_, &status, 0) == -1) {
         if (errno != EINTR) return std::unexpected(lastSystemError());
     }
-    outcome.status = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
-    return std::move(outcome);
+    outcome_.status = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status);
+    return std::move(outcome_);
 }
 
 void RunningChild::drainUntilExit(const Interrupt& interrupt) {
-    const Descriptor exit = watchExit(process);
+    const Descriptor exit = watchExit(process_);
     bool exited = false;
+    // What the interrupted child gets when the deadline has come; after SIGKILL there is none.
+    int next = SIGTERM;
     std::optional<Clock::time_point> deadline;
     bool killed = false;
-    while (!exited || (!killed && (standardOutput.isOpen() || standardError.isOpen()))) {
+    while (!exited || (!killed && (standardOutput_.isOpen() || standardError_.isOpen()))) {
         // Poll passes over -1, which a closed descriptor is.
         std::array<pollfd, 4> watched{{
-            {.fd = standardOutput.get(), .events = POLLIN, .revents = 0},
-            {.fd = standardError.get(), .events = POLLIN, .revents = 0},
+            {.fd = standardOutput_.get(), .events = POLLIN, .revents = 0},
+            {.fd = standardError_.get(), .events = POLLIN, .revents = 0},
             {.fd = exited ? -1 : exit.get(), .events = POLLIN, .revents = 0},
             {.fd = deadline ? -1 : interrupt.descriptor(), .events = POLLIN, .revents = 0},
         }};
@@ -79,23 +87,21 @@ void RunningChild::drainUntilExit(const Interrupt& interrupt) {
         if (!exited && !exit.isOpen()) timeout = askingInterval;
         if (poll(watched.data(), watched.size(), timeout) == -1) continue;
 
-        if (watched[0].revents != 0) readSome(standardOutput, outcome.standardOutput);
-        if (watched[1].revents != 0) readSome(standardError, outcome.standardError);
-        if (exit.isOpen() ? watched[2].revents != 0 : hasExited(process)) exited = true;
-        if (watched[3].revents != 0) {
-            signalGroup(SIGTERM);
-            deadline = Clock::now() + grace;
-        }
-        if (deadline && !killed && Clock::now() >= *deadline) {
-            signalGroup(SIGKILL);
-            killed = true;
-        }
+        if (watched[0].revents != 0) readSome(standardOutput_, outcome_.standardOutput);
+        if (watched[1].revents != 0) readSome(standardError_, outcome_.standardError);
+        if (exit.isOpen() ? watched[2].revents != 0 : hasExited(process_)) exited = true;
+        if (watched[3].revents != 0) deadline = Clock::now() + patience_;
+        if (!deadline || killed || Clock::now() < *deadline) continue;
+        signalGroup(next);
+        killed = next == SIGKILL;
+        next = SIGKILL;
+        deadline = Clock::now() + grace;
     }
 }
 
 void RunningChild::signalGroup(int signal) const {
     // The child is not reaped yet, so the number is still its own.
-    kill(-process, signal);
+    kill(-process_, signal);
 }
 
 } // namespace brevane

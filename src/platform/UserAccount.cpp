@@ -5,11 +5,15 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <mutex>
 #include <vector>
 
 namespace brevane {
 
-std::string homeDirectory() {
+namespace {
+
+// Empty where the database does not know the user, or cannot be asked.
+std::string askDatabase() {
     std::vector<char> buffer(1024);
     while (true) {
         passwd account{};
@@ -20,8 +24,18 @@ std::string homeDirectory() {
             buffer.resize(buffer.size() * 2);
             continue;
         }
-        return found != nullptr ? found->pw_dir : "/";
+        return found != nullptr ? found->pw_dir : "";
     }
+}
+
+} // namespace
+
+std::string homeDirectory() {
+    static std::mutex mutex;
+    static std::string known; // guarded by mutex
+    const std::scoped_lock lock(mutex);
+    if (known.empty()) known = askDatabase();
+    return known.empty() ? "/" : known;
 }
 
 } // namespace brevane

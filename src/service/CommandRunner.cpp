@@ -31,15 +31,18 @@ std::vector<std::string> childEnvironment(const std::string& searchPath) {
 
 } // namespace
 
-CommandRunner::CommandRunner(Configuration values) : configuration(std::move(values)) {}
+CommandRunner::CommandRunner(Configuration configuration)
+    : configuration_(std::move(configuration)) {}
 
-CommandRunner::Result CommandRunner::runShellWithCode(const std::string& commandLine) const {
+CommandRunner::Result CommandRunner::runShellWithCode(const std::string& commandLine,
+                                                      std::chrono::milliseconds patience) const {
     // It would be given a second to end in, each command anew, and quitting has two in all.
-    if (interrupted) return {.output = "", .status = -1};
-    const ChildProcess shell{.executable = configuration.shell,
+    if (interrupted_) return {.output = "", .status = -1};
+    const ChildProcess shell{.executable = configuration_.shell,
                              .arguments = {"-l", "-c", commandLine},
-                             .environment = childEnvironment(configuration.searchPath)};
-    auto outcome = shell.run(stop);
+                             .environment = childEnvironment(configuration_.searchPath),
+                             .patience = patience};
+    auto outcome = shell.run(stop_);
     if (!outcome) return {.output = "", .status = -1};
 
     std::string& output = outcome->standardOutput;
@@ -50,8 +53,8 @@ CommandRunner::Result CommandRunner::runShellWithCode(const std::string& command
 }
 
 void CommandRunner::interrupt() {
-    interrupted = true;
-    stop.raise();
+    interrupted_ = true;
+    stop_.raise();
 }
 
 std::string CommandRunner::runShell(const std::string& commandLine) const {

@@ -5,6 +5,7 @@
 #include "Configuration.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -23,9 +24,14 @@ public:
 
     explicit CommandRunner(Configuration configuration);
 
+    /// How long the command of a background share may go on after an interrupt: it is done in a
+    /// moment, and ended half-way it leaves open what it has made.
+    static constexpr std::chrono::milliseconds backgroundPatience{500};
+
     /// Runs a command line and waits for it, without a time limit. A stream that is not UTF-8
-    /// counts as empty.
-    [[nodiscard]] Result runShellWithCode(const std::string& commandLine) const;
+    /// counts as empty. After an interrupt the command may go on for as long as `patience`.
+    [[nodiscard]] Result runShellWithCode(const std::string& commandLine,
+                                          std::chrono::milliseconds patience = {}) const;
 
     /// The output alone.
     [[nodiscard]] std::string runShell(const std::string& commandLine) const;
@@ -35,9 +41,9 @@ public:
     void interrupt();
 
 private:
-    Configuration configuration;
-    std::atomic<bool> interrupted = false;
-    Interrupt stop;
+    Configuration configuration_;
+    std::atomic<bool> interrupted_ = false;
+    Interrupt stop_;
 };
 
 } // namespace brevane

@@ -11,6 +11,14 @@
 
 namespace brevane {
 
+namespace {
+
+std::chrono::milliseconds patienceWith(bool background) {
+    return background ? CommandRunner::backgroundPatience : std::chrono::milliseconds(0);
+}
+
+} // namespace
+
 void TailscaleService::add(ServeMode mode, SourceType sourceType, const std::string& source,
                            const std::string& urlPath, bool background, Completion completion) {
     mainQueue.post([self = shared_from_this()] { self->isLoading.set(true); });
@@ -19,8 +27,10 @@ void TailscaleService::add(ServeMode mode, SourceType sourceType, const std::str
             sourceType == SourceType::file || sourceType == SourceType::directory;
         const CommandRunner::Result result =
             needsServer ? self->addThroughServer(mode, sourceType, source, urlPath, background)
-                        : self->runner.runShellWithCode(buildAddCommand(
-                              self->tailscaleBin, mode, sourceType, source, urlPath, background));
+                        : self->runner.runShellWithCode(buildAddCommand(self->tailscaleBin, mode,
+                                                                        sourceType, source, urlPath,
+                                                                        background),
+                                                        patienceWith(background));
         self->mainQueue.post([self, result, completion] { self->finishAdd(result, completion); });
     });
 }
@@ -42,7 +52,8 @@ CommandRunner::Result TailscaleService::addThroughServer(ServeMode mode, SourceT
         return {.output = "Failed to start file server: " + port.error().message(), .status = -1};
 
     auto result = runner.runShellWithCode(
-        buildPortServeCommand(tailscaleBin, mode, *port, mountPath, background));
+        buildPortServeCommand(tailscaleBin, mode, *port, mountPath, background),
+        patienceWith(background));
     if (result.status == 0)
         mainQueue.post([self = shared_from_this(), server, info] {
             self->managedServers.registerServer(server, info);

@@ -5,6 +5,7 @@ import json
 import os
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -24,6 +25,12 @@ from driver.window import Window  # noqa: E402
 STATUS = {"BackendState": "Running", "Self": {"DNSName": "host.example.ts.net.", "TailscaleIPs": ["100.64.0.1"], "HostName": "host"}}
 
 
+def free_port():
+    with socket.socket() as listener:
+        listener.bind(("127.0.0.1", 0))
+        return listener.getsockname()[1]
+
+
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program, built for the tailscale of this folder")
 
@@ -41,6 +48,21 @@ def user(pytestconfig, desktop, tmp_path):
     user = User(pytestconfig.getoption("--program"), desktop, tmp_path)
     yield user
     user.end()
+
+
+@pytest.fixture
+def served(user):
+    """A shared folder of the last run with a large file in it. Gives its port."""
+    port = free_port()
+    folder = user.folder / "shared"
+    folder.mkdir()
+    (folder / "large").write_bytes(bytes(200_000_000))
+    preferences = user.folder / "config" / "brevane" / "preferences.json"
+    preferences.parent.mkdir(parents=True)
+    preferences.write_text(json.dumps({"TailscaleManagedServers": {str(port): {"path": str(folder), "type": "directory"}}}))
+    handlers = {"Handlers": {"/": {"Proxy": f"http://127.0.0.1:{port}"}}}
+    user.answer({"BackendState": "Running"}, {"TCP": {"443": {"HTTPS": True}}, "Web": {"host.example.ts.net:443": handlers}})
+    return port
 
 
 class User:

@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: MIT
 """How the program ends, whatever it is doing at the time."""
 
-import json
 import signal
 import socket
 import time
@@ -15,12 +14,6 @@ from driver.waiting import until
 PATIENCE = 2 + 1
 
 STUBBORN = "trap '' TERM; sleep 1000 & sleep 1001 & while :; do wait; done"
-
-
-def free_port():
-    with socket.socket() as listener:
-        listener.bind(("127.0.0.1", 0))
-        return listener.getsockname()[1]
 
 
 def assert_quits(user, child, how):
@@ -101,21 +94,6 @@ def test_a_display_that_goes_away_leaves_nothing_behind(user, desktop):
     process.end(server)
     assert child.wait(PATIENCE) != 0
     assert user.processes() == {}
-
-
-@pytest.fixture
-def served(user):
-    """A shared folder of the last run with a large file in it. Gives its port."""
-    port = free_port()
-    folder = user.folder / "shared"
-    folder.mkdir()
-    (folder / "large").write_bytes(bytes(200_000_000))
-    preferences = user.folder / "config" / "brevane" / "preferences.json"
-    preferences.parent.mkdir(parents=True)
-    preferences.write_text(json.dumps({"TailscaleManagedServers": {str(port): {"path": str(folder), "type": "directory"}}}))
-    handlers = {"Handlers": {"/": {"Proxy": f"http://127.0.0.1:{port}"}}}
-    user.answer({"BackendState": "Running"}, {"TCP": {"443": {"HTTPS": True}}, "Web": {"host.example.ts.net:443": handlers}})
-    return port
 
 
 def test_downloads_in_flight_do_not_hold_it_up(user, served):

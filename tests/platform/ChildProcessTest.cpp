@@ -51,8 +51,8 @@ TEST(ChildProcess, ReadsTheEndOfInputAtOnce) {
     EXPECT_EQ(run(child({"input"})).standardOutput, "0");
 }
 
-TEST(ChildProcess, LeadsAProcessGroupOfItsOwn) {
-    EXPECT_EQ(run(child({"group"})).standardOutput, "own");
+TEST(ChildProcess, LeadsASessionOfItsOwn) {
+    EXPECT_EQ(run(child({"session"})).standardOutput, "own");
 }
 
 TEST(ChildProcess, InheritsNoDescriptor) {

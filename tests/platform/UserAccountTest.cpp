@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "UserAccount.h"
 
+#include "DescriptorLimit.h"
+
 #include <gtest/gtest.h>
 #include <pwd.h>
 #include <stdlib.h>
@@ -14,6 +16,12 @@ namespace {
 
 TEST(HomeDirectory, ComesFromTheUserDatabase) {
     EXPECT_EQ(homeDirectory(), getpwuid(getuid())->pw_dir);
+}
+
+TEST(HomeDirectory, IsKeptForWhenThereIsNoDescriptorToAskWith) {
+    const std::string before = homeDirectory();
+    const test::DescriptorLimit limit(0);
+    EXPECT_EQ(homeDirectory(), before);
 }
 
 TEST(HomeDirectory, DoesNotAskTheEnvironment) {

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <sched.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -100,8 +101,13 @@ int main(int count, char** arguments) {
                 print("blocked " + std::to_string(signal) + ' ');
             if (action.sa_handler != SIG_DFL) print("ignored " + std::to_string(signal) + ' ');
         }
-    } else if (what == "group") {
-        print(getpgrp() == getpid() ? "own" : "foreign");
+    } else if (what == "session") {
+        print(getsid(0) == getpid() && getpgrp() == getpid() ? "own" : "foreign");
+        if (open("/dev/tty", O_RDWR | O_NOCTTY) != -1) print(" with a terminal");
+    } else if (what == "descriptor-limit") {
+        rlimit limit{};
+        getrlimit(RLIMIT_NOFILE, &limit);
+        print(std::to_string(limit.rlim_cur));
     } else if (what == "input") {
         std::array<char, 1> byte{};
         print(std::to_string(read(STDIN_FILENO, byte.data(), byte.size())));

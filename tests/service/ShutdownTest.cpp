@@ -20,10 +20,10 @@ protected:
     }
 
     // Interrupts an add whose command runs this shell code, and looks for what is left of it.
-    void expectEnded(const std::string& shellCode) {
+    void expectEnded(const std::string& shellCode, bool background = false) {
         changesDo(shellCode);
         start();
-        service->add(ServeMode::serve, SourceType::port, "3000", "/", false, completion());
+        service->add(ServeMode::serve, SourceType::port, "3000", "/", background, completion());
         const pid_t pid = waitForPid();
         service->interruptCommands();
         service.reset();
@@ -38,6 +38,17 @@ TEST_F(Shutdown, AnInterruptEndsAHangingCommandAndTheQueueCanBeJoined) {
 
 TEST_F(Shutdown, ACommandThatIgnoresTheRequestToEndIsKilled) {
     expectEnded("trap '' TERM; echo $$ > \"$0.pid\"; while :; do sleep 1000; done");
+}
+
+TEST_F(Shutdown, ABackgroundAddMayEndByItself) {
+    expectEnded("trap 'echo ended >> \"$0.pid\"; exit' TERM; echo $$ > \"$0.pid\"; sleep 0.2; "
+                "echo done >> \"$0.pid\"",
+                true);
+    EXPECT_TRUE(readFile(folder / "tailscale.pid").ends_with("\ndone\n"));
+}
+
+TEST_F(Shutdown, ABackgroundAddThatDoesNotEndByItselfIsEnded) {
+    expectEnded("echo $$ > \"$0.pid\"; sleep 1000", true);
 }
 
 TEST_F(Shutdown, TheLastReferenceMayGoOnTheQueuesOwnThread) {

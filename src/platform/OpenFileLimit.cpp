@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: MIT
+#include "OpenFileLimit.h"
+
+#include <pthread.h>
+#include <sys/resource.h>
+#ifdef __APPLE__
+#include <climits>
+
+#include <algorithm>
+#endif
+
+namespace brevane {
+
+namespace {
+
+rlimit inherited;
+
+// Runs in the forked process, where only what is safe in a signal handler may be called.
+void restore() {
+    setrlimit(RLIMIT_NOFILE, &inherited);
+}
+
+} // namespace
+
+void raiseOpenFileLimit() {
+    if (getrlimit(RLIMIT_NOFILE, &inherited) != 0) return;
+    rlimit raised = inherited;
+    raised.rlim_cur = raised.rlim_max;
+#ifdef __APPLE__
+    // setrlimit refuses more, although it calls the hard limit infinite.
+    raised.rlim_cur = std::min<rlim_t>(raised.rlim_cur, OPEN_MAX);
+#endif
+    if (setrlimit(RLIMIT_NOFILE, &raised) == 0) pthread_atfork(nullptr, nullptr, restore);
+}
+
+} // namespace brevane
