@@ -23,9 +23,10 @@ struct Address {
     explicit Address(std::string_view name) {
         value.sun_family = AF_UNIX;
         if (name.empty()) return;
-        // The abstract namespace is marked by a NUL before the name.
+        // The abstract namespace is marked by a NUL before the name, a path has one behind.
+        const std::size_t start = name.starts_with('/') ? 0 : 1;
         const std::size_t length = std::min(name.size(), sizeof value.sun_path - 1);
-        name.copy(value.sun_path + 1, length);
+        name.copy(value.sun_path + start, length);
         size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + length);
     }
 

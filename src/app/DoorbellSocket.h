@@ -8,9 +8,9 @@
 
 namespace brevane {
 
-/// A datagram socket in Linux's abstract namespace (unix(7)) with which programs of one user ring
-/// for each other: messages are empty, and those of other users are dropped. Never blocks but in
-/// `waitForRing`.
+/// A datagram socket (unix(7)) with which programs of one user ring for each other: messages are
+/// empty, and those of other users are dropped. Never blocks but in `waitForRing`. A name is the
+/// path of a file, or one in Linux's abstract namespace if it does not begin with a slash.
 class DoorbellSocket {
 public:
     /// Under a name that the kernel picks, to ring from and be answered at.

@@ -10,7 +10,10 @@
 #include <array>
 #include <cstdlib>
 #include <exception>
+#include <mutex>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace brevane {
 
@@ -40,10 +43,22 @@ namespace {
 }
 
 QtMessageHandler standardHandler = nullptr;
+std::mutex mutex;
+bool isStarting = true;        // guarded by mutex
+std::vector<QString> keptBack; // guarded by mutex
 
 void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-    if (type == QtFatalMsg) end(message.toLocal8Bit().constData());
-    standardHandler(type, context, message);
+    const std::scoped_lock lock(mutex);
+    // Qt waits for ever for a thread that it could not start.
+    const bool lacksThread =
+        isStarting && message.startsWith(QLatin1String("QThread::start: Thread creation error"));
+    if (lacksThread) keptBack.clear();
+    if (type == QtFatalMsg || lacksThread)
+        end((keptBack.empty() ? message : keptBack.front()).toLocal8Bit().constData());
+    if (isStarting)
+        keptBack.push_back(message);
+    else
+        standardHandler(type, context, message);
 }
 
 } // namespace
@@ -51,6 +66,13 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
 void installLastWords() {
     std::set_terminate(endOnException);
     standardHandler = qInstallMessageHandler(handleMessage);
+}
+
+void releaseMessages() {
+    const std::scoped_lock lock(mutex);
+    isStarting = false;
+    for (const QString& message : std::exchange(keptBack, {}))
+        standardHandler(QtWarningMsg, {}, message);
 }
 
 } // namespace brevane

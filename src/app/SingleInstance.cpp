@@ -3,8 +3,13 @@
 
 #include "DoorbellSocket.h"
 
+#include <array>
 #include <cerrno>
+#include <charconv>
 #include <chrono>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
 #include <system_error>
 #include <utility>
 
@@ -21,6 +26,16 @@ namespace {
 constexpr std::chrono::seconds patience{3};
 constexpr std::chrono::milliseconds between{20};
 
+// The user's runtime folder, if there is one.
+std::optional<std::filesystem::path> runtimeFolder() {
+    const char* const set = std::getenv("XDG_RUNTIME_DIR");
+    if (set == nullptr || set[0] != '/') return std::nullopt;
+    struct stat status {};
+    if (stat(set, &status) != 0 || !S_ISDIR(status.st_mode) || status.st_uid != geteuid())
+        return std::nullopt;
+    return set;
+}
+
 int openFolder(const std::filesystem::path& folder) {
     std::error_code error;
     if (std::filesystem::create_directories(folder, error))
@@ -28,19 +43,29 @@ int openFolder(const std::filesystem::path& folder) {
     return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-std::string socketName(int folder) {
-    struct stat status {};
-    fstat(folder, &status);
-    return "brevane-" + std::to_string(status.st_dev) + "-" + std::to_string(status.st_ino);
+// The same for every program with these preferences, whatever becomes of the folder meanwhile.
+std::string nameFor(const std::filesystem::path& preferences) {
+    std::error_code error;
+    std::filesystem::path path = std::filesystem::weakly_canonical(preferences, error);
+    if (error) path = preferences;
+    std::uint64_t hash = 0xcbf29ce484222325; // FNV-1a
+    for (const char byte : path.native())
+        hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
+    std::array<char, 16> digits{};
+    const auto end = std::to_chars(digits.begin(), digits.end(), hash, 16).ptr;
+    return "brevane-" + std::string(digits.begin(), end);
 }
 
 } // namespace
 
-SingleInstance::SingleInstance(const std::filesystem::path& path)
-    : folder(openFolder(path)), name(socketName(folder)) {}
+SingleInstance::SingleInstance(const std::filesystem::path& preferences)
+    : folder_(openFolder(runtimeFolder().value_or(preferences))), name_(nameFor(preferences)),
+      lock_(openat(folder_.get(), (name_ + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
+      // The folder's own path may be longer than the address of a socket.
+      socketPath_("/proc/self/fd/" + std::to_string(folder_.get()) + "/" + name_) {}
 
 SingleInstance::~SingleInstance() {
-    if (folder >= 0) close(folder);
+    if (doorbell_) unlink(socketPath_.c_str());
 }
 
 SingleInstance::Claim SingleInstance::claim() {
@@ -49,24 +74,25 @@ SingleInstance::Claim SingleInstance::claim() {
     bool asked = false;
     do {
         // Tried each time: who has the lock may be about to end.
-        if (flock(folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
-            doorbell = std::make_unique<DoorbellSocket>(name);
+        if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
+            unlink(socketPath_.c_str()); // left behind by one that crashed
+            doorbell_ = std::make_unique<DoorbellSocket>(socketPath_);
             return Claim::first;
         }
         // Refused while the other one is between its lock and its socket.
-        asked = asked || caller.ring(name);
+        asked = asked || caller.ring(socketPath_);
         if (caller.waitForRing(between)) return Claim::otherAsked;
     } while (std::chrono::steady_clock::now() < deadline);
-    return asked ? Claim::otherAsked : Claim::noAnswer;
+    return Claim::noAnswer;
 }
 
 void SingleInstance::onRaise(std::function<void()> raise) {
-    if (!doorbell || doorbell->descriptor() < 0) return;
-    notifier = std::make_unique<QSocketNotifier>(doorbell->descriptor(), QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(),
+    if (!doorbell_ || doorbell_->descriptor() < 0) return;
+    notifier_ = std::make_unique<QSocketNotifier>(doorbell_->descriptor(), QSocketNotifier::Read);
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                      [this, raise = std::move(raise)] {
-                         while (const auto caller = doorbell->nextRing())
-                             doorbell->ring(*caller);
+                         while (const auto caller = doorbell_->nextRing())
+                             doorbell_->ring(*caller);
                          raise();
                      });
 }

@@ -3,6 +3,8 @@
 
 #include "DoorbellSocket.h"
 
+#include "Descriptor.h"
+
 #include <QSocketNotifier>
 
 #include <filesystem>
@@ -13,19 +15,19 @@
 namespace brevane {
 
 /// Lets one program at a time run on a preferences folder; two would overwrite each other's record.
-/// The lock is an advisory one on the folder itself and the others call through an abstract socket
-/// (unix(7)) named after it: no file is written, and the kernel clears both away however the
-/// program ends. Linux only. Main thread.
+/// A lock file, and a socket through which the others call, lie in the user's runtime folder
+/// (XDG_RUNTIME_DIR) under a name made of the preferences folder's path; where there is no runtime
+/// folder, in the preferences folder. The kernel frees the lock however the program ends. Linux
+/// only. Main thread.
 class SingleInstance {
 public:
     enum class Claim {
         first,      ///< this program is the one to run
         otherAsked, ///< another one runs and has been asked to show its window
-        noAnswer    ///< another one runs and cannot be reached
+        noAnswer    ///< another one runs and does not answer
     };
 
-    /// `folder` is made if it is missing.
-    explicit SingleInstance(const std::filesystem::path& folder);
+    explicit SingleInstance(const std::filesystem::path& preferences);
     ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
@@ -40,10 +42,12 @@ public:
     void onRaise(std::function<void()> raise);
 
 private:
-    int folder = -1;
-    std::string name; ///< of the socket of who holds the lock
-    std::unique_ptr<DoorbellSocket> doorbell;
-    std::unique_ptr<QSocketNotifier> notifier;
+    Descriptor folder_;
+    std::string name_; ///< of the socket of who holds the lock
+    Descriptor lock_;
+    std::string socketPath_;
+    std::unique_ptr<DoorbellSocket> doorbell_;
+    std::unique_ptr<QSocketNotifier> notifier_;
 };
 
 } // namespace brevane

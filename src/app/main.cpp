@@ -69,6 +69,7 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
 
     delegate.applicationDidFinishLaunching();
     hasLaunched(delegate);
+    releaseMessages();
     quitWatch.onRequest([&] {
         // What commands report from here on is dropped: one that is ended half-way looks as if it
         // had failed, whatever it has made.

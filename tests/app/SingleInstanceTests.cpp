@@ -7,7 +7,12 @@
 
 #include <QCoreApplication>
 
+#include <unistd.h>
+
 #include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <string>
 #include <thread>
 
 namespace brevane {
@@ -16,6 +21,12 @@ using Claim = SingleInstance::Claim;
 
 class SingleInstanceTest : public testing::Test {
 protected:
+    SingleInstanceTest() {
+        std::filesystem::create_directory(parent / "runtime");
+        setenv("XDG_RUNTIME_DIR", (parent / "runtime").c_str(), 1);
+    }
+    ~SingleInstanceTest() override { unsetenv("XDG_RUNTIME_DIR"); }
+
     [[nodiscard]] std::filesystem::path folder() const { return parent / "config" / "brevane"; }
 
     /// What another program gets on `path` while this one's event loop runs.
@@ -35,11 +46,51 @@ protected:
     test::TemporaryFolder parent;
 };
 
-TEST_F(SingleInstanceTest, TheFirstMakesTheFolderForItsOwnerAloneAndWritesNothingIntoIt) {
+TEST_F(SingleInstanceTest, WithoutARuntimeFolderTheFirstMakesTheFolderForItsOwnerAlone) {
+    unsetenv("XDG_RUNTIME_DIR");
     SingleInstance instance(folder());
     EXPECT_EQ(instance.claim(), Claim::first);
-    EXPECT_TRUE(std::filesystem::is_empty(folder()));
     EXPECT_EQ(std::filesystem::status(folder()).permissions(), std::filesystem::perms::owner_all);
+    instance.onRaise([] {});
+    EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
+}
+
+TEST_F(SingleInstanceTest, WithARuntimeFolderNothingIsWrittenElsewhere) {
+    SingleInstance instance(folder());
+    EXPECT_EQ(instance.claim(), Claim::first);
+    EXPECT_FALSE(std::filesystem::exists(folder()));
+}
+
+TEST_F(SingleInstanceTest, WhatIsNoFolderOfOursIsNoRuntimeFolder) {
+    const std::string runtime = parent / "runtime";
+    const std::string foreign = chown(runtime.c_str(), 54'321, gid_t(-1)) == 0 ? runtime : "/";
+    for (const std::string& set : {std::string("run"), runtime + "/not-there", foreign}) {
+        setenv("XDG_RUNTIME_DIR", set.c_str(), 1);
+        SingleInstance instance(folder());
+        EXPECT_EQ(instance.claim(), Claim::first);
+        EXPECT_FALSE(std::filesystem::is_empty(folder())) << set;
+        std::filesystem::remove_all(folder());
+    }
+}
+
+TEST_F(SingleInstanceTest, ARuntimeFolderOfAnyLengthWillDo) {
+    const auto deep = parent / std::string(100, 'a') / std::string(100, 'b');
+    std::filesystem::create_directories(deep);
+    setenv("XDG_RUNTIME_DIR", deep.c_str(), 1);
+    SingleInstance first(folder());
+    ASSERT_EQ(first.claim(), Claim::first);
+    first.onRaise([] {});
+    EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
+}
+
+TEST_F(SingleInstanceTest, WhatACrashedOneLeftBehindKeepsNobodyOut) {
+    ASSERT_EQ(SingleInstance(folder()).claim(), Claim::first);
+    const std::filesystem::path lock = *std::filesystem::directory_iterator(parent / "runtime");
+    std::ofstream(lock.parent_path() / lock.stem()) << "in the socket's place";
+    SingleInstance instance(folder());
+    ASSERT_EQ(instance.claim(), Claim::first);
+    instance.onRaise([] {});
+    EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
 }
 
 TEST_F(SingleInstanceTest, ASecondOneRaisesTheFirst) {
@@ -63,6 +114,7 @@ TEST_F(SingleInstanceTest, TheSameFolderByAnotherPathIsTheSameInstance) {
     SingleInstance first(folder());
     ASSERT_EQ(first.claim(), Claim::first);
     first.onRaise([] {});
+    std::filesystem::create_directory(parent / "config");
     std::filesystem::create_directory_symlink(parent / "config", parent / "link");
     EXPECT_EQ(claimMeanwhile(parent / "link" / "brevane"), Claim::otherAsked);
 }
@@ -87,7 +139,7 @@ TEST_F(SingleInstanceTest, OneThatStartsWhileTheFirstEndsTakesItsPlace) {
 TEST_F(SingleInstanceTest, OneThatNeverAnswersIsLeftAloneAfterAWhile) {
     SingleInstance first(folder());
     ASSERT_EQ(first.claim(), Claim::first);
-    EXPECT_EQ(SingleInstance(folder()).claim(), Claim::otherAsked);
+    EXPECT_EQ(SingleInstance(folder()).claim(), Claim::noAnswer);
     int raised = 0;
     first.onRaise([&] { ++raised; });
     QCoreApplication::processEvents();
@@ -95,6 +147,7 @@ TEST_F(SingleInstanceTest, OneThatNeverAnswersIsLeftAloneAfterAWhile) {
 }
 
 TEST_F(SingleInstanceTest, AFolderThatCannotBeMadeKeepsNobodyOut) {
+    unsetenv("XDG_RUNTIME_DIR");
     SingleInstance instance("/dev/null/brevane");
     EXPECT_EQ(instance.claim(), Claim::first);
 }

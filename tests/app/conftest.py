@@ -31,6 +31,16 @@ def free_port():
         return listener.getsockname()[1]
 
 
+def connected(port):
+    """A socket to the server on this port, as soon as there is one."""
+
+    def connect():
+        visitor = socket.socket()
+        return visitor if visitor.connect_ex(("127.0.0.1", port)) == 0 else None
+
+    return until("the server", connect)
+
+
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program, built for the tailscale of this folder")
 
@@ -92,8 +102,10 @@ class User:
         command.write_text(f"#!/bin/sh\n{script}\n")
         command.chmod(0o755)
 
-    def launch(self, *arguments, environment=None):
-        return process.start(self.program, *arguments, env=environment or self.environment, log=self.folder / "program.log")
+    def launch(self, *arguments, environment=None, **options):
+        return process.start(
+            self.program, *arguments, env=environment or self.environment, log=self.folder / "program.log", **options
+        )
 
     def start(self):
         """Starts the program and waits for its window."""

@@ -2,9 +2,9 @@
 """That no program started by this one, such as a browser, holds on to what is open here."""
 
 import os
-import socket
 from pathlib import Path
 
+from conftest import connected
 from driver.waiting import until
 
 
@@ -27,12 +27,7 @@ def test_every_descriptor_is_closed_on_exec(user, served):
     child = user.start()
     window = user.window(child)
     window.await_idle()
-
-    def connect():
-        visitor = socket.socket()
-        return visitor if visitor.connect_ex(("127.0.0.1", served)) == 0 else None
-
-    visitor = until("the server", connect)
+    visitor = connected(served)
     visitor.sendall(b"GET /large HTTP/1.1\r\nHost: host\r\n\r\n")
     assert visitor.recv(4) == b"HTTP"
     user.tailscale("sleep 1001")

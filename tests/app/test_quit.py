@@ -2,13 +2,14 @@
 """How the program ends, whatever it is doing at the time."""
 
 import signal
-import socket
 import time
 
 import pytest
 
+from conftest import connected
 from driver import process
 from driver.waiting import until
+from held import hold_main_thread
 
 # Two seconds are what quitting may take; the rest is for a machine that runs other tests beside.
 PATIENCE = 2 + 1
@@ -85,25 +86,67 @@ def test_a_share_in_the_foreground_ends_with_the_program(user):
     assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
 
 
-def test_a_display_that_goes_away_leaves_nothing_behind(user, desktop):
-    display = desktop.announced("Xvfb", "-displayfd", "{fd}", "-nolisten", "tcp")
-    server = desktop.children.pop()
+def test_a_background_share_in_the_making_may_end_by_itself(user):
+    user.tailscale(f'[ "$2" = status -o "$1" = status ] || {{ touch {user.folder}/begun; sleep 0.3; touch {user.folder}/made; }}')
+    child = user.start()
+    window = user.window(child)
+    window.fill("Port / App URL", "3000")
+    window.start()
+    until("the command to run", (user.folder / "begun").exists)
+    assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
+    assert (user.folder / "made").exists()
+
+
+def test_a_main_thread_that_waits_for_ever_does_not_hold_it_up(user):
     user.tailscale(STUBBORN)
-    child = user.launch(environment=user.environment | {"DISPLAY": f":{display}"})
+    child = user.start()
     until("the command to run", lambda: any("1001" in line for line in user.processes().values()))
+    hold_main_thread(child.pid)
+    child.send_signal(signal.SIGTERM)
+    assert child.wait(PATIENCE) == 0
+    until("nothing to be left", lambda: user.processes() == {})
+
+
+@pytest.fixture
+def display(desktop, user):
+    """An X server for this user alone."""
+    user.environment["DISPLAY"] = ":" + desktop.announced("Xvfb", "-displayfd", "{fd}", "-nolisten", "tcp")
+    server = desktop.children.pop()
+    yield server
+    server.send_signal(signal.SIGCONT)
     process.end(server)
-    assert child.wait(PATIENCE) != 0
+
+
+def test_a_display_that_hangs_does_not_hold_it_up(user, display):
+    child = user.start()
+    display.send_signal(signal.SIGSTOP)
+    assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
+
+
+def test_a_display_that_goes_away_leaves_nothing_behind(user, display):
+    user.tailscale(STUBBORN)
+    child = user.launch()
+    until("the command to run", lambda: any("1001" in line for line in user.processes().values()))
+    process.end(display)
+    assert child.wait(PATIENCE) == 1
     assert user.processes() == {}
+
+
+def test_a_display_that_goes_away_while_visitors_are_served_is_an_end_with_status_1(user, served, display):
+    child = user.start()
+    visitors = [connected(served) for _ in range(20)]
+    for visitor in visitors:
+        visitor.sendall(b"GET /large HTTP/1.1\r\nHost: host\r\n\r\n")
+        assert visitor.recv(4) == b"HTTP"
+    process.end(display)
+    assert child.wait(PATIENCE) == 1
+    for visitor in visitors:
+        visitor.close()
 
 
 def test_downloads_in_flight_do_not_hold_it_up(user, served):
     child = user.start()
-
-    def connect():
-        visitor = socket.socket()
-        return visitor if visitor.connect_ex(("127.0.0.1", served)) == 0 else None
-
-    visitors = [until("the server", connect) for _ in range(20)]
+    visitors = [connected(served) for _ in range(20)]
     for visitor in visitors:
         visitor.sendall(b"GET /large HTTP/1.1\r\nHost: host\r\n\r\n")
         assert visitor.recv(4) == b"HTTP"

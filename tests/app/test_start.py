@@ -123,6 +123,37 @@ def test_one_that_starts_while_the_first_ends_takes_its_place(user):
     assert second.poll() is None
 
 
+def test_a_second_start_that_gets_no_answer_says_so(user):
+    first = user.start()
+    first.send_signal(signal.SIGSTOP)
+    second = user.launch()
+    assert second.wait(30) == 1
+    assert (user.folder / "program.log").read_text() == "brevane: it is running already, but does not answer\n"
+    first.send_signal(signal.SIGCONT)
+    assert process.end(first) == 0
+
+
+@pytest.mark.parametrize("runtime", [True, False])
+def test_a_second_start_raises_the_first_ones_window_with_and_without_a_runtime_folder(user, runtime):
+    if not runtime:
+        del user.environment["XDG_RUNTIME_DIR"]
+    first = user.start()
+    assert user.launch().wait(30) == 0
+    assert process.end(first) == 0
+
+
+@pytest.mark.parametrize("replaced", [False, True])
+def test_there_is_one_also_where_the_preferences_folder_went_while_it_ran(user, replaced):
+    folder = user.folder / "config" / "brevane"
+    folder.mkdir(parents=True)
+    first = user.start()
+    folder.rename(user.folder / "config" / "gone")
+    if replaced:
+        folder.mkdir()
+    assert user.launch().wait(30) == 0
+    assert first.poll() is None
+
+
 def test_another_preferences_folder_is_another_instance(user):
     first = user.start()
     elsewhere = user.environment | {"XDG_CONFIG_HOME": str(user.folder / "elsewhere")}
@@ -131,7 +162,7 @@ def test_another_preferences_folder_is_another_instance(user):
     assert first.poll() is None
 
 
-def test_nothing_is_written_but_an_empty_folder(user):
+def test_nothing_is_written_to_the_preferences_folder(user):
     child = user.start()
     assert process.end(child) == 0
-    assert [path.name for path in (user.folder / "config").rglob("*")] == ["brevane"]
+    assert list((user.folder / "config").rglob("*")) == []
