@@ -33,6 +33,9 @@ namespace {
 
 using namespace brevane;
 
+/// A window takes 30. Libraries that get none write of it what they like.
+constexpr std::size_t neededDescriptors = 64;
+
 /// Ends commands under way and waits for that. Set while there may be some.
 std::function<void()> endCommands;
 
@@ -94,7 +97,10 @@ int main(int argc, char** argv) {
         return answer->status;
     }
     installLastWords();
-    raiseOpenFileLimit();
+    if (raiseOpenFileLimit() < neededDescriptors) {
+        std::fputs("brevane: too few descriptors may be open\n", stderr);
+        return EXIT_FAILURE;
+    }
     // It is kept for when there is no descriptor left to ask with.
     static_cast<void>(homeDirectory());
     // A client that hangs up is an error of writing to it, and commands are waited for, whatever

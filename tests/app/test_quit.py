@@ -139,7 +139,7 @@ def test_a_display_that_goes_away_while_visitors_are_served_is_an_end_with_statu
         visitor.sendall(b"GET /large HTTP/1.1\r\nHost: host\r\n\r\n")
         assert visitor.recv(4) == b"HTTP"
     process.end(display)
-    assert child.wait(PATIENCE) == 1
+    assert child.wait(30) == 1
     for visitor in visitors:
         visitor.close()
 

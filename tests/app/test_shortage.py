@@ -59,7 +59,7 @@ def test_without_a_display_it_says_so_in_one_line(user):
 
 
 def test_descriptors_that_run_out_at_the_start_end_it_with_one_line(user):
-    assert_ends_in_order(user, resource.RLIMIT_NOFILE, range(4, 48, 2))
+    assert_ends_in_order(user, resource.RLIMIT_NOFILE, range(4, 84, 8))
 
 
 @pytest.mark.skipif(os.geteuid() != 0, reason="needs root, to be another user whose threads are counted")
