@@ -15,6 +15,7 @@
 
 #ifndef __APPLE__
 #include "FilePreferences.h"
+#include "SilentBus.h"
 #include "SingleInstance.h"
 #endif
 
@@ -122,6 +123,7 @@ int main(int argc, char** argv) {
     case SingleInstance::Claim::first:
         break;
     }
+    avoidSilentBuses();
     return run(argc, argv,
                [&](AppDelegate& delegate) { instance.onRaise([&] { delegate.activate(); }); });
 #endif
