@@ -46,6 +46,16 @@ def test_keys_quit(user, keys):
     assert_quits(user, child, lambda: user.key(keys))
 
 
+@pytest.mark.parametrize("keys", ["ctrl+q", "ctrl+w", "alt+F4"])
+def test_keys_quit_while_a_menu_is_open(user, keys):
+    child = user.start()
+    until("the keyboard", lambda: user.active_title() == "Brevane")
+    user.key("alt+b")
+    until("the menu", lambda: user.desktop.windows(child.pid) > 1)
+    # The first key may do no more than close the menu.
+    assert_quits(user, child, lambda: until("the end", lambda: user.key(keys) or child.poll() is not None, patience=PATIENCE))
+
+
 def test_a_hanging_command_that_ignores_sigterm_ends_with_the_program(user):
     user.tailscale(STUBBORN)
     child = user.start()

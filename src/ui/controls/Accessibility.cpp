@@ -11,11 +11,16 @@ namespace {
 
 constexpr auto roleProperty = "brevaneAccessibleRole";
 
-QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     const QVariant role = widget ? widget->property(roleProperty) : QVariant();
-    if (!role.isValid()) return nullptr;
-    return new QAccessibleWidget(widget, static_cast<QAccessible::Role>(role.toInt()));
+    if (role.isValid())
+        return new QAccessibleWidget(widget, static_cast<QAccessible::Role>(role.toInt()));
+    // Qt's own reads past the end of its list when it is asked for a child that is gone, as by a
+    // reader that has counted a scroll bar that is hidden before it asks for it.
+    if (className == u"QAbstractScrollArea" || className == u"QScrollArea")
+        return new QAccessibleWidget(widget, QAccessible::Client);
+    return nullptr;
 }
 
 } // namespace

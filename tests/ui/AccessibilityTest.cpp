@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "WindowTest.h"
+
+#include <QAccessible>
+#include <QAccessibleInterface>
+
+namespace brevane::test {
+namespace {
+
+class AccessibilityTest : public WindowTest {};
+
+// A screen reader counts the children and asks for one later, when there may be fewer.
+TEST_F(AccessibilityTest, NoWidgetHasAChildPastItsLast) {
+    publish(serves(3));
+    press("Stop share");
+    int asked = 0;
+    for (QWidget* widget : QApplication::allWidgets()) {
+        QAccessibleInterface* element = QAccessible::queryAccessibleInterface(widget);
+        if (element == nullptr) continue;
+        const int count = element->childCount();
+        for (const int index : {count, count + 1, count + 100})
+            EXPECT_EQ(element->child(index), nullptr)
+                << widget->metaObject()->className() << " " << index << " of " << count;
+        ++asked;
+    }
+    EXPECT_GT(asked, 50);
+}
+
+} // namespace
+} // namespace brevane::test
