@@ -92,6 +92,7 @@ bool HttpExchange::finish(bool atEnd) {
     // Chunked: its end is the connection's.
     if (bodyBegin_ > 0 && expected_ == SIZE_MAX) expected_ = total_;
     ::close(socket_);
+    socket_ = -1;
     return true;
 }
 

@@ -21,6 +21,7 @@ public:
     /// Takes what has arrived. True when the exchange is over, well or not.
     [[nodiscard]] bool advance();
 
+    [[nodiscard]] bool isUnderWay() const { return socket_ >= 0; }
     [[nodiscard]] bool isWhole() const { return ended_ && expected_ == total_; }
     [[nodiscard]] int status() const { return status_; }
     [[nodiscard]] std::size_t received() const { return total_; }

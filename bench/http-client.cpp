@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
-// http-client [-c CLIENTS] [-d SECONDS] [-n REQUESTS] [-r RATE] [-l SECONDS] [-s STATUS] PORT PATH
+// http-client [-a] [-c CLIENTS] [-d SECONDS] [-n REQUESTS] [-r RATE] [-l SECONDS] [-s STATUS] PORT
+// PATH
 //
 // Asks a server on 127.0.0.1 for PATH over and over, on a new connection each time, and prints one
 // JSON object about it. CLIENTS requests are under way at any time; with -r, RATE requests begin
 // every second, as far as CLIENTS allows, and a late one's latency counts from when it was due.
 // With -l, each request is sent so long after its connection. A response that does not have STATUS
-// or the length that it says is an error, and so is one that has not come 5 seconds after the end.
+// or the length that it says is an error, and so is one that has not come 5 seconds after the end;
+// with -a, the client hangs up at the end instead, and what has arrived by then counts as bytes.
 #include "HttpExchange.h"
 
 #include <sys/epoll.h>
@@ -33,6 +35,7 @@ struct Options {
     std::size_t requests = SIZE_MAX;
     double rate = 0;
     Seconds late{0};
+    bool abandon = false;
     int status = 200;
     std::uint16_t port = 0;
     std::string path;
@@ -40,8 +43,11 @@ struct Options {
 
 Options parse(int argc, char** argv) {
     Options options;
-    for (int option = 0; (option = ::getopt(argc, argv, "c:d:n:r:l:s:")) != -1;) {
+    for (int option = 0; (option = ::getopt(argc, argv, "ac:d:n:r:l:s:")) != -1;) {
         switch (option) {
+        case 'a':
+            options.abandon = true;
+            break;
         case 'c':
             options.clients = std::strtoul(optarg, nullptr, 10);
             break;
@@ -92,13 +98,20 @@ public:
             const bool open = now < end && started_ < options_.requests;
             if (open)
                 start(now);
-            else if (idle_.size() == exchanges_.size() || now > end + std::chrono::seconds(5))
+            else if (idle_.size() == exchanges_.size() || options_.abandon ||
+                     now > end + std::chrono::seconds(5))
                 break;
             sendDue(now);
             step(untilDue(open, now));
         }
         elapsed_ = Clock::now() - begun_;
-        errors_ += exchanges_.size() - idle_.size();
+        for (const HttpExchange& exchange : exchanges_) {
+            if (!exchange.isUnderWay()) continue;
+            if (options_.abandon)
+                bytes_ += exchange.received();
+            else
+                ++errors_;
+        }
     }
 
     void report() {

@@ -44,11 +44,17 @@ def can_mount():
 def evict(path):
     """Takes a file out of the kernel's cache; returns whether that worked."""
     with open(path, "rb") as file:
-        os.fsync(file.fileno())
-        os.posix_fadvise(file.fileno(), 0, 0, os.POSIX_FADV_DONTNEED)
-    cached = subprocess.run(["fincore", "--bytes", "--noheadings", "--output", "RES", path],
-                            check=True, capture_output=True, text=True).stdout
-    return int(cached or 0) < os.path.getsize(path) / 100
+        descriptor, size = file.fileno(), os.path.getsize(path)
+        os.fsync(descriptor)
+        os.posix_fadvise(descriptor, 0, 0, os.POSIX_FADV_DONTNEED)
+        return not any(is_cached(descriptor, size * part // 64) for part in range(64))
+
+
+def is_cached(descriptor, offset):
+    try:
+        return os.preadv(descriptor, [bytearray(1)], offset, os.RWF_NOWAIT) > 0
+    except BlockingIOError:
+        return False
 
 
 def family(pid):

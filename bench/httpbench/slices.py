@@ -59,15 +59,16 @@ class Bench:
 
     @contextlib.contextmanager
     def downloads(self, server, path, clients, seconds):
-        """Clients that download a file over and over, at work when the block begins; gives their process,
-        and afterwards their result in its `result`."""
+        """Clients that download a file over and over, at work when the block begins, and hang up in the end;
+        gives their process, and afterwards their result in its `result`."""
         before = machine.processor_time(server.pid)
-        process = self.client(server, path, "-c", clients, "-d", seconds)
+        process = self.client(server, path, "-a", "-c", clients, "-d", seconds)
         try:
             wait_until(lambda: machine.processor_time(server.pid) - before > 0.1 or process.poll() is not None)
             yield process
         finally:
             process.result = result_of(process)
+            wait_until_quiet(server)
 
     def slice(self, server, path, *options, beside=None, clients=1, tries=3):
         """One run of the client, or of so many, with what the server used for it; again while others use
@@ -111,7 +112,7 @@ def result_of(process):
 
 
 def refuse_errors(server, result):
-    if result["errors"] or not result["done"]:
+    if result["errors"] or not result["bytes"]:
         raise Failed(f"{server.name}: {result['errors']} requests of {result['done'] + result['errors']} failed")
 
 

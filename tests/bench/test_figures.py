@@ -36,7 +36,7 @@ def test_without_the_named_peer_the_plain_name_is_not_given():
     assert list(by_name(Figure("m", "µs", 1), {"brevane": 30.0, "lighttpd": 60.0})) == ["m.lighttpd"]
 
 
-@pytest.mark.parametrize("result", [{"errors": 1, "done": 1000}, {"errors": 0, "done": 0}])
+@pytest.mark.parametrize("result", [{"errors": 1, "done": 9, "bytes": 9000}, {"errors": 0, "done": 0, "bytes": 0}])
 def test_an_error_of_a_slice_or_an_empty_one_fails_the_measure(result):
     with pytest.raises(Failed):
         slices.refuse_errors(argparse.Namespace(name="nginx-small"), result)
