@@ -146,7 +146,9 @@ class Server:
         home = {**os.environ, "XDG_DATA_HOME": str(build / "peers/run"), "XDG_CONFIG_HOME": str(build / "peers/run")}
         with open(self.log, "w") as output:
             self.process = subprocess.Popen(
-                machine.pinned(processors, arguments), stdin=subprocess.PIPE, stdout=output, stderr=output,
+                # However the benchmark ends, its servers end with it.
+                ["setpriv", "--pdeathsig", "TERM", *machine.pinned(processors, arguments)],
+                stdin=subprocess.PIPE, stdout=output, stderr=output,
                 env=home, start_new_session=True)  # Two-process lighttpd ends its whole process group.
         self.pid = self.process.pid
 
