@@ -214,7 +214,12 @@ def several(bench, count):
     try:
         yield [Share(process.pid, int(process.stdout.readline())) for _ in range(count)]
     finally:
-        process.communicate()
+        try:
+            process.communicate(timeout=30)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.communicate()
+            raise Failed("brevane: the servers do not end") from None
 
 
 @contextlib.contextmanager
