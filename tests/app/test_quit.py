@@ -46,6 +46,14 @@ def test_keys_quit(user, keys):
     assert_quits(user, child, lambda: user.key(keys))
 
 
+def test_close_in_the_menu_quits(user):
+    child = user.start()
+    until("the keyboard", lambda: user.active_title() == "Brevane")
+    user.key("alt+w")
+    until("the menu", lambda: user.desktop.windows(child.pid) > 1)
+    assert_quits(user, child, lambda: user.key("c"))
+
+
 @pytest.mark.parametrize("keys", ["ctrl+q", "ctrl+w", "alt+F4"])
 def test_keys_quit_while_a_menu_is_open(user, keys):
     child = user.start()

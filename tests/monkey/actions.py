@@ -179,7 +179,9 @@ class Actions:
         found = self.elements()
         if not found:
             return
-        element = found[int(at * len(found))].accessible
+        chosen = found[int(at * len(found))]
+        self.note(f"  {chosen}, {what}")
+        element = chosen.accessible
         has = quietly(element.get_interfaces) or ()
         if what == 0:
             quietly(lambda: Atspi.Component.grab_focus(element))
