@@ -12,6 +12,9 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor
                     -Woverloaded-virtual -Wimplicit-fallthrough)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  add_compile_options(-Wthread-safety)
+endif()
 # Functions of libraries that nothing calls take up memory too.
 add_compile_options(-ffunction-sections -fdata-sections)
 if(APPLE)

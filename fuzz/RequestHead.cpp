@@ -14,6 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (*head)
         require(brevane::isUtf8((*head)->path) || !(*head)->path.contains('%'));
     else
-        require(head->error() == 400 || head->error() == 405);
+        require(head->error() == brevane::Status::badRequest ||
+                head->error() == brevane::Status::methodNotAllowed);
     return 0;
 }

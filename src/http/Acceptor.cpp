@@ -2,8 +2,8 @@
 #include "Acceptor.h"
 
 #include "Connection.h"
-
-#include <boost/asio/ip/v6_only.hpp>
+#include "SystemError.h"
+#include "TcpListener.h"
 
 #include <fcntl.h>
 #include <netinet/tcp.h>
@@ -19,37 +19,40 @@ namespace {
 using boost::asio::ip::tcp;
 
 constexpr int backlog = 4096; // The system lowers it to its own limit.
-// What waits is accepted at once, else each of many downloads has its turn before the next request;
-// but not without an end, or downloads have none.
-constexpr int acceptsPerTurn = 64;
 constexpr auto pauseTime = std::chrono::milliseconds(50);
 
-// The next connection, ready for calls that do not wait; none, and errno, where there is none.
-Descriptor acceptFrom(int listening) {
+// A socket for calls that do not wait, which no child process gets; none, and errno, where there is
+// none.
 #ifdef __linux__
-    return Descriptor(::accept4(listening, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
-#else
-    Descriptor accepted(::accept(listening, nullptr, nullptr));
-    if (accepted.isOpen()) {
-        const int on = 1;
-        ::fcntl(accepted.get(), F_SETFL, O_NONBLOCK);
-        ::fcntl(accepted.get(), F_SETFD, FD_CLOEXEC);
-        ::setsockopt(accepted.get(), SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
-    }
-    return accepted;
-#endif
+Descriptor openSocket(int family) {
+    return Descriptor(::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
 }
 
-// A new socket, which no child inherits; none, and errno, where there is none to have.
-Descriptor openSocket(const tcp& protocol) {
-#ifdef __linux__
-    return Descriptor(
-        ::socket(protocol.family(), protocol.type() | SOCK_CLOEXEC, protocol.protocol()));
+Descriptor acceptFrom(int listening) {
+    return Descriptor(::accept4(listening, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
+}
 #else
-    Descriptor opened(::socket(protocol.family(), protocol.type(), protocol.protocol()));
-    if (opened.isOpen()) ::fcntl(opened.get(), F_SETFD, FD_CLOEXEC);
-    return opened;
+// Children get nothing either way: they are spawned with POSIX_SPAWN_CLOEXEC_DEFAULT.
+Descriptor prepared(Descriptor socket) {
+    if (!socket.isOpen()) return socket;
+    const int on = 1;
+    ::fcntl(socket.get(), F_SETFD, FD_CLOEXEC);
+    ::fcntl(socket.get(), F_SETFL, O_NONBLOCK);
+    ::setsockopt(socket.get(), SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+    return socket;
+}
+
+Descriptor openSocket(int family) {
+    return prepared(Descriptor(::socket(family, SOCK_STREAM, 0)));
+}
+
+Descriptor acceptFrom(int listening) {
+    return prepared(Descriptor(::accept(listening, nullptr, nullptr)));
+}
 #endif
+
+void setOption(const Descriptor& socket, int level, int name, int value) {
+    ::setsockopt(socket.get(), level, name, &value, sizeof value);
 }
 
 enum class Trouble { none, passing, shortage, fatal };
@@ -73,78 +76,78 @@ Trouble troubleOf(int error) {
 
 } // namespace
 
-Acceptor::Acceptor(const std::shared_ptr<const ServedFolder>& served, std::atomic<bool>& isRunning)
-    : threads(served->threads), folder(served), running(isRunning), socket(threads.handlers()),
-      pauseTimer(threads.handlers()) {}
+Acceptor::Acceptor(const std::shared_ptr<const ServedFolder>& folder, std::atomic<bool>& isRunning)
+    : threads_(folder->threads), folder_(folder), running_(isRunning), socket_(threads_.handlers()),
+      pauseTimer_(threads_.handlers()) {}
 
 std::error_code Acceptor::listen(std::uint16_t port) {
-    boost::system::error_code error = listenOn({tcp::v6(), port});
-    if (error == boost::asio::error::address_family_not_supported ||
-        error == boost::system::errc::address_not_available)
+    const MutexLock lock(mutex_);
+    std::error_code error = listenOn({tcp::v6(), port});
+    if (error == std::errc::address_family_not_supported ||
+        error == std::errc::address_not_available)
         error = listenOn({tcp::v4(), port});
     return error;
 }
 
-boost::system::error_code Acceptor::listenOn(const tcp::endpoint& address) {
-    try {
-        socket.close();
-        Descriptor opened = openSocket(address.protocol());
-        if (!opened.isOpen()) return {errno, boost::system::system_category()};
-        socket.assign(address.protocol(), opened.get());
-        static_cast<void>(opened.release());
-        if (address.protocol() == tcp::v6()) socket.set_option(boost::asio::ip::v6_only(false));
-        socket.set_option(tcp::acceptor::reuse_address(true));
-        socket.native_non_blocking(true);
-        socket.bind(address);
+std::error_code Acceptor::listenOn(const tcp::endpoint& address) {
+    Descriptor opened = openSocket(address.protocol().family());
+    if (!opened.isOpen()) return lastSystemError();
+    if (address.protocol() == tcp::v6()) setOption(opened, IPPROTO_IPV6, IPV6_V6ONLY, 0);
+    setOption(opened, SOL_SOCKET, SO_REUSEADDR, 1);
 #ifdef __linux__
-        // A connection is only seen with its request, for which nobody has to wait then.
-        constexpr int seconds = 5;
-        ::setsockopt(socket.native_handle(), IPPROTO_TCP, TCP_DEFER_ACCEPT, &seconds,
-                     sizeof seconds);
+    // A connection is only seen with its request, which nobody has to wait for then; or after so
+    // many seconds.
+    setOption(opened, IPPROTO_TCP, TCP_DEFER_ACCEPT, 5);
 #endif
-        socket.listen(backlog);
-        return {};
-    } catch (const boost::system::system_error& failure) {
-        return failure.code();
-    }
+    if (::bind(opened.get(), address.data(), static_cast<socklen_t>(address.size())) != 0 ||
+        ::listen(opened.get(), backlog) != 0)
+        return lastSystemError();
+    boost::system::error_code error;
+    socket_.assign(address.protocol(), opened.get(), error);
+    if (!error) std::ignore = opened.release();
+    return error;
 }
 
-std::uint16_t Acceptor::port() const {
+std::uint16_t Acceptor::port() {
+    const MutexLock lock(mutex_);
     boost::system::error_code unknown;
-    return socket.local_endpoint(unknown).port();
+    return socket_.local_endpoint(unknown).port();
 }
 
 void Acceptor::start() {
-    const std::scoped_lock lock(mutex);
+    const MutexLock lock(mutex_);
     wait();
 }
 
 void Acceptor::stop() {
-    const std::scoped_lock lock(mutex);
+    const MutexLock lock(mutex_);
     close();
 }
 
 void Acceptor::wait() {
-    socket.async_wait(Socket::wait_read,
-                      [self = shared_from_this()](boost::system::error_code error) {
-                          if (!error) self->accept();
-                      });
+    socket_.async_wait(Socket::wait_read,
+                       [self = shared_from_this()](boost::system::error_code error) {
+                           if (!error) self->accept();
+                       });
 }
 
 void Acceptor::accept() {
-    for (int count = 0; count < acceptsPerTurn; ++count) {
-        Descriptor accepted = takeConnection(count + 1 == acceptsPerTurn);
-        if (!accepted.isOpen()) return;
-        std::make_shared<Connection>(std::move(accepted), threads, folder)->receive();
-    }
+    // One at a time: another thread takes the next, also where this one hangs in the file system.
+    Descriptor accepted = takeConnection();
+    if (accepted.isOpen())
+        std::make_shared<Connection>(std::move(accepted), threads_, folder_)->receive();
 }
 
-Descriptor Acceptor::takeConnection(bool isLast) {
-    const std::scoped_lock lock(mutex);
-    if (!socket.is_open()) return {};
-    Descriptor accepted = acceptFrom(socket.native_handle());
+Descriptor Acceptor::takeConnection() {
+    const MutexLock lock(mutex_);
+    if (!socket_.is_open()) return {};
+    if (full_ && !hasRoom()) {
+        pause();
+        return {};
+    }
+    Descriptor accepted = acceptFrom(socket_.native_handle());
     const Trouble trouble = accepted.isOpen() ? Trouble::none : troubleOf(errno);
-    if (trouble == Trouble::none && !isLast) return accepted;
+    full_ = trouble == Trouble::none && !threads_.connections().makeRoomFor(accepted);
     if (trouble == Trouble::fatal)
         close();
     else if (trouble == Trouble::shortage)
@@ -154,20 +157,35 @@ Descriptor Acceptor::takeConnection(bool isLast) {
     return accepted;
 }
 
+bool Acceptor::hasRoom() {
+    Descriptor next(::fcntl(socket_.native_handle(), F_DUPFD_CLOEXEC, 0));
+    return next.isOpen() && threads_.connections().makeRoomFor(next);
+}
+
 void Acceptor::pause() {
     // The connection stays acceptable, so that waiting for it would spin.
-    pauseTimer.expires_after(pauseTime);
-    pauseTimer.async_wait([self = shared_from_this()](boost::system::error_code error) {
+    pauseTimer_.expires_after(pauseTime);
+    pauseTimer_.async_wait([self = shared_from_this()](boost::system::error_code error) {
         if (!error) self->accept();
     });
 }
 
 void Acceptor::close() {
-    if (!socket.is_open()) return;
+    if (!socket_.is_open()) return;
     boost::system::error_code ignored;
-    pauseTimer.cancel();
-    socket.close(ignored);
-    running = false;
+    pauseTimer_.cancel();
+    socket_.close(ignored);
+    running_ = false;
+}
+
+TcpListener::TcpListener(std::shared_ptr<Acceptor> acceptor) : acceptor_(std::move(acceptor)) {}
+
+TcpListener::~TcpListener() {
+    acceptor_->stop();
+}
+
+void TcpListener::cancel() {
+    acceptor_->stop();
 }
 
 } // namespace brevane

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "Descriptor.h"
+#include "Mutex.h"
 #include "ServedFolder.h"
+#include "ServerThreads.h"
 
 #include <boost/asio/basic_socket_acceptor.hpp>
 #include <boost/asio/basic_waitable_timer.hpp>
@@ -12,7 +14,6 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <system_error>
 
 namespace brevane {
@@ -27,7 +28,7 @@ public:
     /// one.
     [[nodiscard]] std::error_code listen(std::uint16_t port);
     /// The port listened on.
-    [[nodiscard]] std::uint16_t port() const;
+    [[nodiscard]] std::uint16_t port();
 
     /// Begins to accept.
     void start();
@@ -40,22 +41,23 @@ private:
     using Timer =
         boost::asio::basic_waitable_timer<Clock, boost::asio::wait_traits<Clock>, Executor>;
 
-    [[nodiscard]] boost::system::error_code listenOn(const boost::asio::ip::tcp::endpoint& address);
+    [[nodiscard]] std::error_code listenOn(const boost::asio::ip::tcp::endpoint& address)
+        REQUIRES(mutex_);
     void accept();
-    // The next connection; none, and the next turn prepared, where there is none. The last one of
-    // a turn prepares the next as well.
-    Descriptor takeConnection(bool isLast);
-    // The rest with the mutex held.
-    void wait();
-    void pause();
-    void close();
+    Descriptor takeConnection();
+    // Whether a connection more leaves enough descriptors to the rest of the program.
+    [[nodiscard]] bool hasRoom() REQUIRES(mutex_);
+    void wait() REQUIRES(mutex_);
+    void pause() REQUIRES(mutex_);
+    void close() REQUIRES(mutex_);
 
-    ServerThreads& threads;
-    std::weak_ptr<const ServedFolder> folder;
-    std::atomic<bool>& running;
-    std::mutex mutex; // of what follows
-    Socket socket;
-    Timer pauseTimer;
+    ServerThreads& threads_;
+    std::weak_ptr<const ServedFolder> folder_;
+    std::atomic<bool>& running_;
+    Mutex mutex_;
+    Socket socket_ GUARDED_BY(mutex_);
+    Timer pauseTimer_ GUARDED_BY(mutex_);
+    bool full_ GUARDED_BY(mutex_) = false; // The last one left too few descriptors.
 };
 
 } // namespace brevane

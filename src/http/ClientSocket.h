@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Descriptor.h"
+#include "LargeFile.h"
 #include "ServerThreads.h"
 
 #include <boost/asio/basic_stream_socket.hpp>
@@ -27,7 +28,14 @@ public:
     };
     using Count = std::expected<std::size_t, Pause>;
 
-    ClientSocket(Descriptor accepted, Executor handlers);
+    /// What can be known of a client without sending it anything.
+    enum class Client {
+        there,
+        ended, ///< it sends nothing more, and may have gone or not
+        gone   ///< the connection is broken
+    };
+
+    explicit ClientSocket(Descriptor accepted);
     ~ClientSocket();
     ClientSocket(const ClientSocket&) = delete;
     ClientSocket& operator=(const ClientSocket&) = delete;
@@ -36,42 +44,48 @@ public:
     [[nodiscard]] Count receive(std::span<char> buffer);
     /// Whether bytes have arrived that were not received.
     [[nodiscard]] bool hasUnread() const;
+    [[nodiscard]] Client client() const;
+
     /// Sends as much as fits. What is sent may be held back until more follows, or the end.
-    [[nodiscard]] Count send(std::string_view first, std::string_view second);
+    [[nodiscard]] Count send(std::string_view first, std::string_view second = {});
+    /// Sends as much as fits of these bytes of a file, 0 where the file ends before them.
+    [[nodiscard]] Count send(const LargeFile& file, std::size_t offset, std::size_t length);
     /// Lets the kernel keep no more than a little of what the client is not ready for. It would
     /// take megabytes, of a memory that all connections of the machine share.
     void limitUnsent();
     /// Tells the client that nothing follows.
     void endSending();
-    /// Ends both directions, so that a wait ends. Any thread.
-    void abort();
+    /// Makes closing tell the client that the response is broken.
+    void breakOnClose();
 
-    /// Calls `next` once there is something to receive. A connection that fails drops it uncalled.
+    /// Calls `next` on the executor once there is something to receive; never where the connection
+    /// is dropped before. False where that cannot be waited for.
     template <class Next>
-    void whenReadable(Next next) {
-        wait(Watched::wait_read, std::move(next));
+    [[nodiscard]] bool whenReadable(Executor executor, Next next) {
+        return wait(executor, Watched::wait_read, std::move(next));
     }
-    /// Calls `next` once there is room to send.
+    /// The same once there is room to send.
     template <class Next>
-    void whenWritable(Next next) {
-        wait(Watched::wait_write, std::move(next));
+    [[nodiscard]] bool whenWritable(Executor executor, Next next) {
+        return wait(executor, Watched::wait_write, std::move(next));
     }
 
 private:
     using Watched = boost::asio::basic_stream_socket<boost::asio::ip::tcp, Executor>;
 
     template <class Next>
-    void wait(Watched::wait_type event, Next next) {
-        if (!watch()) return;
-        watched->async_wait(event, [next = std::move(next)](boost::system::error_code error) {
-            if (!error) next();
+    bool wait(Executor executor, Watched::wait_type event, Next next) {
+        if (!watch(executor)) return false;
+        watched_->async_wait(event, [next = std::move(next)](boost::system::error_code error) {
+            if (error != boost::asio::error::operation_aborted) next();
         });
+        return true;
     }
-    bool watch();
+    bool watch(Executor executor);
+    void unwatch();
 
-    Descriptor socket;
-    Executor executor;
-    std::optional<Watched> watched; // the same socket, known to the event loop
+    Descriptor socket_;
+    std::optional<Watched> watched_; // the same socket, known to an event loop
 };
 
 } // namespace brevane

@@ -1,109 +1,248 @@
 // SPDX-License-Identifier: MIT
 #include "Connection.h"
 
-#include "Responder.h"
+#include "ServerThreads.h"
 #include "ThreadBuffers.h"
 
+#include <boost/asio/post.hpp>
+
+#include <algorithm>
 #include <utility>
-#include <variant>
 
 namespace brevane {
 
 namespace {
 
 // A large file goes out in turns, so that it never holds up other connections for long.
-constexpr std::size_t turnSize = 1024 * 1024;
+constexpr std::size_t turnSize = 256 * 1024;
+// What a loader does of a large file before others have their turn.
+constexpr std::size_t loadSize = 16 * 1024 * 1024;
+// Read between two looks at whether the client is still there.
+constexpr std::size_t bringSize = 1024 * 1024;
 
 constexpr std::size_t drainLimit = 128 * 1024 * 1024;
 constexpr auto drainTime = std::chrono::seconds(10);
 
 } // namespace
 
-Connection::Connection(Descriptor accepted, ServerThreads& serverThreads,
-                       std::weak_ptr<const ServedFolder> servedFolder)
-    : threads(serverThreads), folder(std::move(servedFolder)),
-      socket(std::move(accepted), serverThreads.handlers()) {}
+Connection::Connection(Descriptor accepted, ServerThreads& threads,
+                       std::weak_ptr<const ServedFolder> folder)
+    : threads_(threads), listening_(std::move(folder)), socket_(std::move(accepted)) {}
 
 void Connection::receive() {
     const auto buffer = receiveBuffer();
-    const auto count = socket.receive(buffer);
-    if (count == 0U || count == std::unexpected(ClientSocket::Pause::failed)) return;
+    const auto count = socket_.receive(buffer);
+    if (count == 0U || count == std::unexpected(ClientSocket::Pause::failed)) return close();
     if (count) return take({buffer.data(), *count});
-    socket.whenReadable([self = shared_from_this()] { self->receive(); });
+    onceReadable(threads_.handlers(), &Connection::receive);
 }
 
 void Connection::take(std::string_view bytes) {
-    const auto site = folder.lock();
-    if (!site) return;
+    folder_ = listening_.lock();
+    if (!folder_) return close();
 
-    const std::size_t searched = received.size();
-    if (searched > 0) bytes = received.append(bytes);
-    const auto request = parseRequestHead(bytes, searched);
-    if (!request) {
-        if (searched == 0) received = bytes;
-        return socket.whenReadable([self = shared_from_this()] { self->receive(); });
+    const std::size_t searched = bytes_.size();
+    if (searched > 0) {
+        const std::size_t headBytes = searched + bytes.size();
+        if (!threads_.connections().keep(shared_from_this(), headBytes)) return close();
+        bytes = bytes_.append(bytes);
     }
+    auto request = parseRequestHead(bytes, searched);
+    if (!request) {
+        if (searched == 0) bytes_ = bytes;
+        folder_.reset();
+        return onceReadable(threads_.handlers(), &Connection::receive);
+    }
+    moreFollows_ = !*request || (*request)->moreFollows;
+    std::string().swap(bytes_); // An assignment would keep the memory.
+    if (*request) {
+        request_ = std::move(**request);
+        return answer();
+    }
+    Response refusal = errorResponse(request->error());
+    begin(refusal);
+}
 
-    moreFollows = !*request || (*request)->moreFollows;
-    response = *request ? respond(**request, site->root) : errorResponse(request->error());
-    std::string().swap(received);
-    if (response.fileToLoad() != nullptr)
-        load();
+void Connection::answer() {
+    if (folder_->loaders->isSlow())
+        onLoader(Loaders::Order::look, &Connection::lookLate);
     else
-        send();
+        look();
+}
+
+void Connection::lookLate() {
+    if (socket_.client() == ClientSocket::Client::gone) return close();
+    look();
+}
+
+void Connection::look() {
+    const RequestHead request = std::move(request_);
+    Response response =
+        threads_.visit(*folder_->loaders, [&] { return respond(request, folder_->root); });
+    begin(response);
+}
+
+void Connection::begin(Response& response) {
+    file_ = response.takeFile();
+    if (file_) return beginLargeFile(response.head(), response.headOnly());
+
+    const auto count = socket_.send(response.head(), response.body());
+    if (count == std::unexpected(ClientSocket::Pause::failed)) return close();
+    sent_ = count.value_or(0);
+    if (sent_ == response.head().size() + response.body().size()) return finish();
+    bytes_ = response.rest(sent_);
+    sent_ = 0;
+    onceWritable(threads_.senders(), &Connection::send);
+}
+
+void Connection::beginLargeFile(std::string_view head, bool headOnly) {
+    bytes_ = head;
+    headOnly_ = headOnly;
+    if (!threads_.connections().makeRoomFor(file_->ownDescriptor())) return refuseFile();
+    // A look at a file of this size is quicker than the way to a loader and back.
+    const bool isReady = file_->size() <= loadSize && threads_.visit(*folder_->loaders, [&] {
+        return file_->isCached(0, file_->size());
+    });
+    if (isReady)
+        onSender(&Connection::sendHead);
+    else
+        onLoader(Loaders::Order::load, &Connection::load);
 }
 
 void Connection::load() {
-    socket.limitUnsent();
-    threads.load([self = shared_from_this()]() mutable {
-        if (!self->response.fileToLoad()->load(self->threads.isEnding()))
-            self->response = errorResponse(403);
-        const Executor handlers = self->threads.handlers();
-        boost::asio::post(handlers, [self = std::move(self)] { self->send(); });
-    });
+    const std::size_t end = std::min(fileDone_ + loadSize, file_->size());
+    const bool isCached = file_->isCached(fileDone_, end - fileDone_);
+    while (fileDone_ < end) {
+        const std::size_t length =
+            isCached ? end - fileDone_ : std::min(bringSize, end - fileDone_);
+        if (socket_.client() == ClientSocket::Client::gone || threads_.isEnding()) return close();
+        if (!isCached && !file_->bring(fileDone_, length)) return refuseFile();
+        fileDone_ += length;
+    }
+    if (fileDone_ == file_->size()) return onSender(&Connection::sendHead);
+    const bool mayBeGone = socket_.client() == ClientSocket::Client::ended;
+    onLoader(mayBeGone ? Loaders::Order::last : Loaders::Order::load, &Connection::load);
+}
+
+void Connection::refuseFile() {
+    file_.reset();
+    Response refusal = errorResponse(Status::forbidden);
+    begin(refusal);
+}
+
+void Connection::sendHead() {
+    fileDone_ = 0;
+    if (headOnly_)
+        file_.reset();
+    else
+        socket_.limitUnsent();
+    send();
 }
 
 void Connection::send() {
-    const std::string_view head = response.head;
-    const std::string_view body = response.bodyBytes();
-    const std::size_t headSent = std::min(sent, head.size());
-    const auto count = socket.send(head.substr(headSent), body.substr(sent - headSent, turnSize));
-    if (count == std::unexpected(ClientSocket::Pause::failed)) return releaseResponse();
+    const auto count = socket_.send(std::string_view(bytes_).substr(sent_));
+    if (count == std::unexpected(ClientSocket::Pause::failed)) return close();
+    sent_ += count.value_or(0);
+    if (sent_ < bytes_.size()) {
+        moreFollows_ = true; // The client has time enough to send something.
+        return onceWritable(threads_.senders(), &Connection::send);
+    }
+    std::string().swap(bytes_);
+    if (!file_) return finish();
+    moreFollows_ = true;
+    nextTurn();
+}
 
-    sent += count.value_or(0);
-    if (sent == head.size() + body.size()) return finish();
-    moreFollows = true; // The client has time enough to send something.
-    response.keep();
-    socket.whenWritable([self = shared_from_this()] { self->send(); });
+void Connection::nextTurn() {
+    // The cache of a slow folder may have to be asked for, too.
+    if (folder_->loaders->isSlow())
+        onLoader(Loaders::Order::look, &Connection::sendTurn);
+    else
+        sendTurn();
+}
+
+void Connection::sendTurn() {
+    const std::size_t length = std::min(turnSize, file_->size() - fileDone_);
+    bool isCached = std::exchange(isTurnBrought_, false);
+    const auto count = threads_.visit(*folder_->loaders, [&]() -> ClientSocket::Count {
+        isCached = isCached || file_->isCached(fileDone_, length);
+        return isCached ? socket_.send(*file_, fileDone_, length) : 0;
+    });
+    if (!isCached) return onLoader(Loaders::Order::load, &Connection::bringTurn);
+    if (count == 0U || count == std::unexpected(ClientSocket::Pause::failed))
+        return close(); // The file was cut short, or the client has gone.
+
+    fileDone_ += count.value_or(0);
+    if (fileDone_ == file_->size()) return endFile();
+    if (count == length)
+        onSender(&Connection::nextTurn);
+    else
+        onceWritable(threads_.senders(), &Connection::nextTurn);
+}
+
+void Connection::bringTurn() {
+    const std::size_t length = std::min(turnSize, file_->size() - fileDone_);
+    if (socket_.client() == ClientSocket::Client::gone || !file_->bring(fileDone_, length))
+        return close();
+    isTurnBrought_ = true;
+    onSender(&Connection::nextTurn);
+}
+
+void Connection::endFile() {
+    if (file_->isCutShort()) {
+        // What the cut has cleared may be under way.
+        socket_.breakOnClose();
+        return close();
+    }
+    file_.reset();
+    finish();
 }
 
 void Connection::finish() {
-    releaseResponse();
     // Closing with bytes unread or on their way resets the connection, and most clients would lose
     // the response: they are read first, within limits.
-    if (!moreFollows && !socket.hasUnread()) return;
-    socket.endSending();
-    drainTimer.emplace(threads.handlers(), drainTime);
-    drainTimer->async_wait([connection = weak_from_this()](boost::system::error_code) {
-        if (const auto self = connection.lock()) self->socket.abort();
+    if (!moreFollows_ && !socket_.hasUnread()) return close();
+    socket_.endSending();
+    drainTimer_.emplace(threads_.senders(), drainTime);
+    drainTimer_->async_wait([connection = weak_from_this()](boost::system::error_code) {
+        if (const auto self = connection.lock()) self->close();
     });
     drain();
 }
 
-void Connection::releaseResponse() {
-    // To unmap a large file takes milliseconds, in which small ones would wait.
-    if (std::holds_alternative<LargeFile>(response.body))
-        threads.load([released = std::move(response)] {});
-    response = {};
-}
-
 void Connection::drain() {
     const auto buffer = receiveBuffer();
-    const auto count = socket.receive(buffer);
-    if (count == 0U || count == std::unexpected(ClientSocket::Pause::failed)) return;
-    dropped += count.value_or(0);
-    if (dropped >= drainLimit || Clock::now() >= drainTimer->expiry()) return;
-    socket.whenReadable([self = shared_from_this()] { self->drain(); });
+    const auto count = socket_.receive(buffer);
+    if (count == 0U || count == std::unexpected(ClientSocket::Pause::failed)) return close();
+    dropped_ += count.value_or(0);
+    if (dropped_ >= drainLimit || Clock::now() >= drainTimer_->expiry()) return close();
+    onceReadable(threads_.senders(), &Connection::drain);
+}
+
+void Connection::onceReadable(Executor executor, Step step) {
+    if (!threads_.connections().keep(shared_from_this(), bytes_.size()) ||
+        !socket_.whenReadable(executor, later(step)))
+        close();
+}
+
+void Connection::onceWritable(Executor executor, Step step) {
+    if (!threads_.connections().keep(shared_from_this()) ||
+        !socket_.whenWritable(executor, later(step)))
+        close();
+}
+
+void Connection::onSender(Step step) {
+    if (!threads_.connections().keep(shared_from_this())) return close();
+    boost::asio::post(threads_.senders(), later(step));
+}
+
+void Connection::onLoader(Loaders::Order order, Step step) {
+    if (!threads_.connections().keep(shared_from_this())) return close();
+    folder_->loaders->post(order, later(step));
+}
+
+void Connection::close() {
+    threads_.connections().close(*this);
 }
 
 } // namespace brevane

@@ -2,6 +2,8 @@
 #pragma once
 
 #include "ClientSocket.h"
+#include "Connections.h"
+#include "Loaders.h"
 #include "Response.h"
 #include "ServedFolder.h"
 
@@ -16,8 +18,8 @@
 
 namespace brevane {
 
-/// One request and its one response. A connection keeps itself alive while it waits for something,
-/// one thing at a time, and closes when nothing refers to it any more.
+/// One request and its one response, one step at a time. While it waits for the next step the
+/// server's Connections keep it; it closes when nothing keeps it any more.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
     Connection(Descriptor accepted, ServerThreads& threads,
@@ -26,27 +28,66 @@ public:
     /// Reads what has arrived, and goes on from there.
     void receive();
 
-private:
-    void take(std::string_view bytes);
-    void load();
-    void send();
-    void finish();
-    void releaseResponse();
-    void drain();
+    [[nodiscard]] Connections::Place& place() { return place_; }
 
+private:
+    using Step = void (Connection::*)();
     using Clock = std::chrono::steady_clock;
     using Timer =
         boost::asio::basic_waitable_timer<Clock, boost::asio::wait_traits<Clock>, Executor>;
 
-    ServerThreads& threads;
-    std::weak_ptr<const ServedFolder> folder;
-    ClientSocket socket;
-    std::string received; // while the head is incomplete
-    bool moreFollows = true;
-    Response response;
-    std::size_t sent = 0;
-    std::size_t dropped = 0;
-    std::optional<Timer> drainTimer;
+    void take(std::string_view bytes);
+    void answer();
+    void lookLate();
+    void look();
+    void begin(Response& response);
+    void beginLargeFile(std::string_view head, bool headOnly);
+    void load();
+    void refuseFile();
+    void sendHead();
+    void send();
+    void nextTurn();
+    void sendTurn();
+    void bringTurn();
+    void endFile();
+    void finish();
+    void drain();
+
+    // How the next step comes; each closes the connection where it cannot come.
+    void onceReadable(Executor executor, Step step);
+    void onceWritable(Executor executor, Step step);
+    void onSender(Step step);
+    void onLoader(Loaders::Order order, Step step);
+    void close();
+    // `step` of this connection, if it still exists then.
+    auto later(Step step) {
+        return [connection = weak_from_this(), step] {
+            const auto self = connection.lock();
+            if (!self) return;
+            try {
+                (self.get()->*step)();
+            } catch (...) {
+                self->close();
+                throw;
+            }
+        };
+    }
+
+    ServerThreads& threads_;
+    std::weak_ptr<const ServedFolder> listening_;
+    std::shared_ptr<const ServedFolder> folder_; // once the request is whole
+    ClientSocket socket_;
+    Connections::Place place_;
+    bool moreFollows_ = true;         // The client sends more than its request.
+    bool headOnly_ = false;           // The file is only looked at.
+    bool isTurnBrought_ = false;      // The next turn's bytes were in the cache just now.
+    RequestHead request_;             // until it is answered
+    std::string bytes_;               // of an unfinished request, later of the response
+    std::size_t sent_ = 0;            // of these
+    std::unique_ptr<LargeFile> file_; // follows them
+    std::size_t fileDone_ = 0;        // loaded, later sent
+    std::size_t dropped_ = 0;
+    std::optional<Timer> drainTimer_;
 };
 
 } // namespace brevane

@@ -4,29 +4,14 @@
 #include "Acceptor.h"
 #include "Path.h"
 #include "ServedFolder.h"
+#include "ServerThreads.h"
 
 #include <boost/system/system_error.hpp>
 
 namespace brevane {
 
-namespace {
-
-class AcceptingListener final : public TcpListener {
-public:
-    explicit AcceptingListener(std::shared_ptr<Acceptor> accepting)
-        : acceptor(std::move(accepting)) {}
-    ~AcceptingListener() override { acceptor->stop(); }
-
-    void cancel() override { acceptor->stop(); }
-
-private:
-    std::shared_ptr<Acceptor> acceptor;
-};
-
-} // namespace
-
-FileHTTPServer::FileHTTPServer(std::string_view directory, ServerPool& serverPool)
-    : root(standardizedPath(directory)), pool(serverPool) {}
+FileHTTPServer::FileHTTPServer(std::string_view directory, ServerPool& pool)
+    : root_(standardizedPath(directory)), pool_(pool) {}
 
 FileHTTPServer::~FileHTTPServer() {
     listener.reset();
@@ -35,17 +20,20 @@ FileHTTPServer::~FileHTTPServer() {
 std::expected<std::int64_t, std::error_code>
 FileHTTPServer::startListener(std::uint16_t requestedPort) {
     try {
-        if (!folder) folder = std::make_shared<ServedFolder>(root, pool.start());
+        if (!folder_) {
+            ServerThreads& threads = pool_.start();
+            folder_ = std::make_shared<ServedFolder>(root_, threads, threads.makeLoaders());
+        }
     } catch (const std::system_error& failure) {
         return std::unexpected(failure.code());
     } catch (const boost::system::system_error& failure) {
         return std::unexpected(std::error_code(failure.code()));
     }
-    auto acceptor = std::make_shared<Acceptor>(folder, isRunning);
+    auto acceptor = std::make_shared<Acceptor>(folder_, isRunning);
     if (const std::error_code error = acceptor->listen(requestedPort))
         return std::unexpected(error);
     port = acceptor->port();
-    listener = std::make_unique<AcceptingListener>(acceptor);
+    listener = std::make_unique<TcpListener>(acceptor);
     isRunning = true;
     acceptor->start();
     return port;

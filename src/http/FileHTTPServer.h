@@ -43,9 +43,9 @@ public:
         listener; ///< none until `startListener`; not to outlive the server
 
 private:
-    std::string root;
-    ServerPool& pool;
-    std::shared_ptr<const ServedFolder> folder; ///< none until `startListener`
+    std::string root_;
+    ServerPool& pool_;
+    std::shared_ptr<const ServedFolder> folder_; // none until `startListener`
 };
 
 } // namespace brevane

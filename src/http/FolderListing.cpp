@@ -1,6 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "FolderListing.h"
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <memory>
+
 namespace brevane {
 
 namespace {
@@ -32,27 +41,85 @@ char* put(char* next, const auto&... texts) {
     return next;
 }
 
+struct CloseFolder {
+    void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+bool isFolder(DIR* folder, const dirent& entry) {
+    if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+    struct stat found {};
+    return ::fstatat(::dirfd(folder), entry.d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+           S_ISDIR(found.st_mode);
+}
+
+bool isHidden([[maybe_unused]] DIR* folder, const dirent& entry) {
+#ifdef __APPLE__
+    struct stat found {};
+    if (::fstatat(::dirfd(folder), entry.d_name, &found, AT_SYMLINK_NOFOLLOW) == 0 &&
+        (found.st_flags & UF_HIDDEN) != 0)
+        return true;
+#endif
+    return entry.d_name[0] == '.';
+}
+
+// The first 8 bytes as a number; numbers compare as the bytes do.
+std::uint64_t keyOf(std::string_view name) {
+    std::uint64_t key = 0;
+    std::memcpy(&key, name.data(), std::min(name.size(), sizeof key));
+    return std::endian::native == std::endian::little ? std::byteswap(key) : key;
+}
+
 } // namespace
 
-FolderListing::FolderListing(const std::string& folder, std::string_view path)
-    : entries(folder), urlPath(path) {}
+void FolderListing::Names::add(std::string_view name) {
+    records_.push_back({.key = 0, .offset = bytes_.size(), .length = name.size()});
+    bytes_ += name;
+}
+
+void FolderListing::Names::sort() {
+    if (records_.empty()) return;
+    // What follows the start that all names share tells more of them apart.
+    std::string_view shared = nameOf(records_.front());
+    for (const Record& record : records_) {
+        const std::string_view name = nameOf(record);
+        if (name.starts_with(shared)) continue;
+        shared = {shared.begin(), std::ranges::mismatch(shared, name).in1};
+    }
+    for (Record& record : records_)
+        record.key = keyOf(nameOf(record).substr(shared.size()));
+
+    std::ranges::sort(records_, [this](const Record& one, const Record& other) {
+        return one.key != other.key ? one.key < other.key : nameOf(one) < nameOf(other);
+    });
+}
+
+FolderListing::FolderListing(const std::string& path, std::string_view urlPath)
+    : urlPath_(urlPath) {
+    const std::unique_ptr<DIR, CloseFolder> folder(::opendir(path.c_str()));
+    if (!folder) return;
+    while (const dirent* const entry = ::readdir(folder.get()))
+        if (!isHidden(folder.get(), *entry))
+            (isFolder(folder.get(), *entry) ? folders_ : files_).add(entry->d_name);
+    // Bytes of UTF-8 sort as the characters that they encode.
+    folders_.sort();
+    files_.sort();
+}
 
 std::size_t FolderListing::size() const {
-    return title.size() + style.size() + list.size() + end.size() + 2 * urlPath.size() +
-           (urlPath == "/" ? 0 : parent.size()) + folderLineSize * entries.folders.size() +
-           2 * entries.folders.byteCount() + fileLineSize * entries.files.size() +
-           2 * entries.files.byteCount();
+    return title.size() + style.size() + list.size() + end.size() + 2 * urlPath_.size() +
+           (urlPath_ == "/" ? 0 : parent.size()) + folderLineSize * folders_.size() +
+           2 * folders_.byteCount() + fileLineSize * files_.size() + 2 * files_.byteCount();
 }
 
 void FolderListing::write(char* next) const {
-    next = put(next, title, urlPath, style, urlPath, list);
-    if (urlPath != "/") next = put(next, parent);
-    for (std::size_t index = 0; index < entries.folders.size(); ++index) {
-        const std::string_view name = entries.folders[index];
+    next = put(next, title, urlPath_, style, urlPath_, list);
+    if (urlPath_ != "/") next = put(next, parent);
+    for (std::size_t index = 0; index < folders_.size(); ++index) {
+        const std::string_view name = folders_[index];
         next = put(next, lineStart, name, slash, folderIcon, name, slash, lineEnd);
     }
-    for (std::size_t index = 0; index < entries.files.size(); ++index) {
-        const std::string_view name = entries.files[index];
+    for (std::size_t index = 0; index < files_.size(); ++index) {
+        const std::string_view name = files_[index];
         next = put(next, lineStart, name, fileIcon, name, lineEnd);
     }
     put(next, end);

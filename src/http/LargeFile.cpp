@@ -1,46 +1,91 @@
 // SPDX-License-Identifier: MIT
 #include "LargeFile.h"
 
+#include "ThreadBuffers.h"
+
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cerrno>
-#include <utility>
+#include <cstdint>
+#include <span>
 
 #ifdef __linux__
-#include <sys/mman.h>
+#include <sys/syscall.h>
 #else
-#include <cstdlib>
-#include <unistd.h>
+#include <sys/mman.h>
+
+#include <vector>
 #endif
 
 namespace brevane {
 
 namespace {
 
-// Loaded between two looks at whether the pool ends.
-constexpr std::size_t pieceSize = 16 * 1024 * 1024;
+const std::size_t pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 
 #ifdef __linux__
-char* reserve(int file, std::size_t size) {
-    void* const mapped = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file, 0);
-    return mapped == MAP_FAILED ? nullptr : static_cast<char*>(mapped);
+// cachestat(2), which Linux has since 6.5 and C libraries have later.
+constexpr long cachestatCall = 451;
+struct CacheRange {
+    std::uint64_t offset;
+    std::uint64_t length;
+};
+struct CacheState {
+    std::uint64_t cached;
+    std::uint64_t dirty;
+    std::uint64_t writeback;
+    std::uint64_t evicted;
+    std::uint64_t recentlyEvicted;
+};
+
+// One byte of each page, without waiting. mincore(2) takes all pages of others' files for cached.
+bool canReadAllPages(int file, std::size_t offset, std::size_t end) {
+    for (; offset < end; offset = (offset / pageSize + 1) * pageSize) {
+        char byte = 0;
+        const iovec vector{.iov_base = &byte, .iov_len = 1};
+        if (::preadv2(file, &vector, 1, static_cast<off_t>(offset), RWF_NOWAIT) != 1) return false;
+    }
+    return true;
 }
 
-bool loadPiece(int /*file*/, char* memory, std::size_t offset, std::size_t size) {
-    // Kernels before 5.14 do not know this, and load the pages while they are sent.
-    return ::madvise(memory + offset, size, MADV_POPULATE_READ) == 0 || errno == EINVAL;
-}
-
-void release(char* memory, std::size_t size) {
-    ::munmap(memory, size);
+bool isRangeCached(int file, std::size_t offset, std::size_t length) {
+    const CacheRange range{.offset = offset, .length = length};
+    CacheState state{};
+    const std::size_t pages = (offset + length - 1) / pageSize - offset / pageSize + 1;
+    // Fails on older kernels, and on newer ones for files of others that this process cannot write.
+    if (::syscall(cachestatCall, file, &range, &state, 0) == 0) return state.cached >= pages;
+    return canReadAllPages(file, offset, offset + length);
 }
 #else
-char* reserve(int /*file*/, std::size_t size) {
-    return static_cast<char*>(std::malloc(size));
+bool isRangeCached(int file, std::size_t offset, std::size_t length) {
+    const std::size_t begin = offset / pageSize * pageSize;
+    const std::size_t mappedLength = offset + length - begin;
+    void* const mapped =
+        ::mmap(nullptr, mappedLength, PROT_READ, MAP_SHARED, file, static_cast<off_t>(begin));
+    if (mapped == MAP_FAILED) return false;
+    std::vector<char> pages((mappedLength + pageSize - 1) / pageSize);
+    const bool known = ::mincore(static_cast<char*>(mapped), mappedLength, pages.data()) == 0;
+    ::munmap(mapped, mappedLength);
+    return known &&
+           std::ranges::all_of(pages, [](char page) { return (page & MINCORE_INCORE) != 0; });
+}
+#endif
+
+} // namespace
+
+bool LargeFile::isCached(std::size_t offset, std::size_t length) const {
+    return isRangeCached(file_.get(), offset, length);
 }
 
-bool loadPiece(int file, char* memory, std::size_t offset, std::size_t size) {
-    for (const std::size_t end = offset + size; offset < end;) {
-        const auto count = ::pread(file, memory + offset, end - offset, static_cast<off_t>(offset));
+bool LargeFile::bring(std::size_t offset, std::size_t length) const {
+    const std::span<char> buffer = fileBuffer();
+    for (const std::size_t end = offset + length; offset < end;) {
+        const auto count =
+            ::pread(file_.get(), buffer.data(), std::min(buffer.size(), end - offset),
+                    static_cast<off_t>(offset));
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return false;
         offset += static_cast<std::size_t>(count);
@@ -48,40 +93,9 @@ bool loadPiece(int file, char* memory, std::size_t offset, std::size_t size) {
     return true;
 }
 
-void release(char* memory, std::size_t /*size*/) {
-    std::free(memory);
-}
-#endif
-
-} // namespace
-
-LargeFile::LargeFile(Descriptor openFile, std::size_t byteCount)
-    : file(std::move(openFile)), count(byteCount) {}
-
-LargeFile::~LargeFile() {
-    if (memory != nullptr) release(memory, count);
-}
-
-LargeFile::LargeFile(LargeFile&& other) noexcept
-    : file(std::move(other.file)), count(other.count),
-      memory(std::exchange(other.memory, nullptr)) {}
-
-LargeFile& LargeFile::operator=(LargeFile&& other) noexcept {
-    std::swap(file, other.file);
-    std::swap(count, other.count);
-    std::swap(memory, other.memory);
-    return *this;
-}
-
-bool LargeFile::load(const std::atomic<bool>& ending) {
-    memory = reserve(file.get(), count);
-    if (memory == nullptr) return false;
-    for (std::size_t offset = 0; offset < count; offset += pieceSize) {
-        const std::size_t size = std::min(pieceSize, count - offset);
-        if (ending || !loadPiece(file.get(), memory, offset, size)) return false;
-    }
-    file.close();
-    return true;
+bool LargeFile::isCutShort() const {
+    struct stat found {};
+    return ::fstat(file_.get(), &found) != 0 || static_cast<std::size_t>(found.st_size) < size_;
 }
 
 } // namespace brevane

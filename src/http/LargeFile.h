@@ -3,35 +3,38 @@
 
 #include "Descriptor.h"
 
-#include <atomic>
 #include <cstddef>
-#include <string_view>
+#include <utility>
 
 namespace brevane {
 
-/// A regular file that is brought into memory whole before its first byte is sent. On Linux it is
-/// mapped: only the kernel may touch the bytes, since a file cut short meanwhile has none there
-/// any more, which ends a send with an error and a program with a signal.
+/// A regular file that the kernel sends from its cache, where all of it is to be before its first
+/// byte goes out.
 class LargeFile {
 public:
-    LargeFile(Descriptor openFile, std::size_t byteCount);
-    ~LargeFile();
-    LargeFile(LargeFile&& other) noexcept;
-    LargeFile& operator=(LargeFile&& other) noexcept;
+    LargeFile(Descriptor openFile, std::size_t byteCount)
+        : file_(std::move(openFile)), size_(byteCount) {}
 
-    [[nodiscard]] bool isLoaded() const { return memory != nullptr; }
-    /// Waits for the disk. False where the file cannot be read, or was cut short, or `ending` is
-    /// set.
-    [[nodiscard]] bool load(const std::atomic<bool>& ending);
+    [[nodiscard]] int descriptor() const { return file_.get(); }
+    /// How many bytes it had when it was opened.
+    [[nodiscard]] std::size_t size() const { return size_; }
 
-    [[nodiscard]] std::size_t size() const { return count; }
-    /// All bytes of a loaded file.
-    [[nodiscard]] std::string_view bytes() const { return {memory, count}; }
+    /// Whether the kernel's cache holds these bytes. Also false where that cannot be known without
+    /// waiting for the disk.
+    [[nodiscard]] bool isCached(std::size_t offset, std::size_t length) const;
+    /// Brings these bytes into the cache, and waits for the disk. False where they cannot be read
+    /// or the file was cut short.
+    [[nodiscard]] bool bring(std::size_t offset, std::size_t length) const;
+    /// Whether it has fewer bytes than when it was opened. The kernel clears what a cut leaves of a
+    /// page, also of one that it is still sending.
+    [[nodiscard]] bool isCutShort() const;
+
+    /// Exchanges the descriptor for the same file's.
+    [[nodiscard]] Descriptor& ownDescriptor() { return file_; }
 
 private:
-    Descriptor file;
-    std::size_t count;
-    char* memory = nullptr;
+    Descriptor file_;
+    std::size_t size_;
 };
 
 } // namespace brevane

@@ -45,8 +45,8 @@ std::string percentDecoded(std::string_view target) {
 
 } // namespace
 
-std::optional<std::expected<RequestHead, int>> parseRequestHead(std::string_view received,
-                                                                std::size_t searched) {
+std::optional<std::expected<RequestHead, Status>> parseRequestHead(std::string_view received,
+                                                                   std::size_t searched) {
     // The blank line may have begun within its last three bytes.
     const std::size_t end =
         received.find(blankLine, searched - std::min(searched, blankLine.size() - 1));
@@ -57,9 +57,9 @@ std::optional<std::expected<RequestHead, int>> parseRequestHead(std::string_view
     if (!isAscii(line) && !isUtf8(received)) line = converted = utf8FromLatin1(line);
 
     const std::size_t methodEnd = line.find(' ');
-    if (methodEnd == line.npos) return std::unexpected(400);
+    if (methodEnd == line.npos) return std::unexpected(Status::badRequest);
     const std::string_view method = line.substr(0, methodEnd);
-    if (method != "GET" && method != "HEAD") return std::unexpected(405);
+    if (method != "GET" && method != "HEAD") return std::unexpected(Status::methodNotAllowed);
 
     std::string_view target = line.substr(methodEnd + 1);
     target = target.substr(0, target.find(' '));

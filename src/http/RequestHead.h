@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Status.h"
+
 #include <cstddef>
 #include <expected>
 #include <optional>
@@ -20,10 +22,10 @@ struct RequestHead {
 };
 
 /// Reads the head of a request from all that was received so far: nothing while its end, the blank
-/// line, is missing; else the request, or the status code that refuses it (400 or 405). The bytes
+/// line, is missing; else the request, or the status that refuses it (400 or 405). The bytes
 /// are UTF-8 or else ISO 8859-1, which is decided by all of them, those after the head included.
 /// `searched` bytes at the front are known to hold no blank line.
-[[nodiscard]] std::optional<std::expected<RequestHead, int>>
+[[nodiscard]] std::optional<std::expected<RequestHead, Status>>
 parseRequestHead(std::string_view received, std::size_t searched = 0);
 
 } // namespace brevane

@@ -3,12 +3,14 @@
 
 #include "FolderListing.h"
 #include "MediaType.h"
+#include "PathResolution.h"
 #include "ThreadBuffers.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <optional>
 
@@ -27,19 +29,18 @@ std::string headOf(std::string_view status, std::string_view mediaType, std::siz
     return head;
 }
 
-std::string_view reasonFor(int status) {
+std::string_view reasonFor(Status status) {
     switch (status) {
-    case 400:
+    case Status::badRequest:
         return "Bad Request";
-    case 403:
+    case Status::forbidden:
         return "Forbidden";
-    case 404:
+    case Status::notFound:
         return "Not Found";
-    case 405:
+    case Status::methodNotAllowed:
         return "Method Not Allowed";
-    default:
-        return "Error";
     }
+    return "Error";
 }
 
 // Some file systems make a file's content up as it is read, and a few of those files never end.
@@ -93,21 +94,80 @@ bool leadsToAnotherHost(std::string_view location) {
     return false;
 }
 
+Response listingResponse(const std::string& folder, std::string_view urlPath, bool headOnly) {
+    const FolderListing page(folder, urlPath);
+    std::string head = headOf("200 OK", "text/html; charset=utf-8", page.size());
+    if (headOnly) return {std::move(head), std::string()};
+    if (page.size() <= smallFileSize) {
+        const auto buffer = fileBuffer().first(page.size());
+        page.write(buffer.data());
+        return {std::move(head), std::string_view(buffer.data(), buffer.size())};
+    }
+    std::string own(page.size(), '\0');
+    page.write(own.data());
+    return {std::move(head), std::move(own)};
+}
+
+// 301 to the location as it stands, or 400 where it would not stay on its line of the head or would
+// lead to another host.
+Response redirectResponse(std::string_view location) {
+    if (location.find_first_of("\r\n") != location.npos || leadsToAnotherHost(location))
+        return errorResponse(Status::badRequest);
+    std::string head = "HTTP/1.1 301 Moved Permanently\r\nLocation: ";
+    head.append(location).append("\r\nContent-Length: 0").append(headEnd);
+    return {std::move(head), std::string()};
+}
+
+// Dot segments take back what precedes them, which need not exist: with them a path can say
+// anything and still lead to a folder, whose page would repeat it as markup.
+bool mayBringMarkup(std::string_view path) {
+    return path.contains('<') && hasDotSegment(path);
+}
+
+Response folderResponse(const std::string& folder, const RequestHead& request) {
+    if (mayBringMarkup(request.path)) return errorResponse(Status::badRequest);
+    if (!request.path.ends_with('/')) return redirectResponse(request.path + '/');
+
+    const std::string index = folder + "/index.html";
+    switch (kindOf(index)) {
+    case PathKind::nothing:
+        return listingResponse(folder, request.path, request.headOnly);
+    case PathKind::file:
+        return fileResponse(index, request.headOnly);
+    default:
+        return errorResponse(Status::forbidden);
+    }
+}
+
 } // namespace
 
-LargeFile* Response::fileToLoad() {
-    auto* const file = std::get_if<LargeFile>(&body);
-    return file != nullptr && !file->isLoaded() ? file : nullptr;
+std::string Response::rest(std::size_t sent) const {
+    const std::size_t headSent = std::min(sent, head_.size());
+    std::string unsent(head().substr(headSent));
+    return unsent.append(body().substr(sent - headSent));
 }
 
-std::string_view Response::bodyBytes() const {
-    if (const auto* const text = std::get_if<std::string>(&body)) return *text;
-    if (const auto* const lent = std::get_if<std::string_view>(&body)) return *lent;
-    return std::get<LargeFile>(body).bytes();
+Response respond(const RequestHead& request, const std::string& root) {
+    const auto path = resolvedPath(root, request.path);
+    if (!path) return errorResponse(Status::forbidden);
+
+    switch (kindOf(*path)) {
+    case PathKind::nothing:
+        return errorResponse(Status::notFound);
+    case PathKind::file:
+        return fileResponse(*path, request.headOnly);
+    case PathKind::folder:
+        return folderResponse(*path, request);
+    default:
+        return errorResponse(Status::forbidden);
+    }
 }
 
-void Response::keep() {
-    if (const auto* const lent = std::get_if<std::string_view>(&body)) body = std::string(*lent);
+Response errorResponse(Status status) {
+    std::string text =
+        std::to_string(static_cast<int>(status)).append(" ").append(reasonFor(status));
+    std::string head = headOf(text, "text/plain", text.size());
+    return {std::move(head), std::move(text)};
 }
 
 Response fileResponse(const std::string& path, bool headOnly) {
@@ -115,55 +175,21 @@ Response fileResponse(const std::string& path, bool headOnly) {
     Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat found {};
     if (!file.isOpen() || ::fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))
-        return errorResponse(403);
+        return errorResponse(Status::forbidden);
 
     const auto size = static_cast<std::size_t>(found.st_size);
-    if (size > smallFileSize) {
-        Response response{headOf("200 OK", mimeType(path), size), {}};
-        if (!headOnly) response.body = LargeFile(std::move(file), size);
-        return response;
-    }
+    if (size > smallFileSize)
+        return {headOf("200 OK", mimeType(path), size), LargeFile(std::move(file), size), headOnly};
     if (size == 0) {
         auto content = readMadeUpFile(file.get());
-        if (!content) return errorResponse(403);
-        Response response{headOf("200 OK", mimeType(path), content->size()), {}};
-        if (!headOnly) response.body = std::move(*content);
-        return response;
+        if (!content) return errorResponse(Status::forbidden);
+        std::string head = headOf("200 OK", mimeType(path), content->size());
+        return {std::move(head), headOnly ? std::string() : std::move(*content)};
     }
     const auto bytes = readSmallFile(file.get(), size);
-    if (!bytes) return errorResponse(403);
-    Response response{headOf("200 OK", mimeType(path), bytes->size()), {}};
-    if (!headOnly) response.body = *bytes;
-    return response;
-}
-
-Response listingResponse(const std::string& folder, std::string_view urlPath, bool headOnly) {
-    const FolderListing page(folder, urlPath);
-    Response response{headOf("200 OK", "text/html; charset=utf-8", page.size()), {}};
-    if (headOnly) return response;
-    if (page.size() <= smallFileSize) {
-        const auto buffer = fileBuffer().first(page.size());
-        page.write(buffer.data());
-        response.body = std::string_view(buffer.data(), buffer.size());
-    } else {
-        std::string own(page.size(), '\0');
-        page.write(own.data());
-        response.body = std::move(own);
-    }
-    return response;
-}
-
-Response redirectResponse(std::string_view location) {
-    if (location.find_first_of("\r\n") != location.npos || leadsToAnotherHost(location))
-        return errorResponse(400);
-    std::string head = "HTTP/1.1 301 Moved Permanently\r\nLocation: ";
-    head.append(location).append("\r\nContent-Length: 0").append(headEnd);
-    return {std::move(head), {}};
-}
-
-Response errorResponse(int status) {
-    const std::string text = std::to_string(status).append(" ").append(reasonFor(status));
-    return {headOf(text, "text/plain", text.size()), text};
+    if (!bytes) return errorResponse(Status::forbidden);
+    return {headOf("200 OK", mimeType(path), bytes->size()),
+            headOnly ? std::string_view() : *bytes};
 }
 
 } // namespace brevane

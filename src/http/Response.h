@@ -2,39 +2,58 @@
 #pragma once
 
 #include "LargeFile.h"
+#include "RequestHead.h"
+#include "Status.h"
 
+#include <memory>
 #include <string>
 #include <string_view>
-#include <variant>
 
 namespace brevane {
 
-/// A whole response (RFC 9112, section 4): head, and body unless a HEAD is answered.
-struct Response {
-    std::string head;
-    /// A text, the bytes of a small file in the thread's buffer, or a large file.
-    std::variant<std::string, std::string_view, LargeFile> body;
+/// A whole response (RFC 9112, section 4) as the thread has it that made it. Its body may lie in a
+/// buffer of that thread, which the next response overwrites; it therefore stays where it was made,
+/// and what outlives the handler is a copy of what has not been sent.
+class Response {
+public:
+    /// A head and a body, which is the response's own or the thread's.
+    Response(std::string head, std::string body) : head_(std::move(head)), own_(std::move(body)) {}
+    Response(std::string head, std::string_view lent) : head_(std::move(head)), lent_(lent) {}
+    /// A head, which stands before the file; or before nothing, but is only to be sent once the
+    /// file could be read.
+    Response(std::string head, LargeFile file, bool headOnly)
+        : head_(std::move(head)), file_(std::make_unique<LargeFile>(std::move(file))),
+          headOnly_(headOnly) {}
+    Response(const Response&) = delete;
+    Response& operator=(const Response&) = delete;
 
-    /// The large file that is to be loaded before the response can be sent, if there is one.
-    [[nodiscard]] LargeFile* fileToLoad();
-    [[nodiscard]] std::string_view bodyBytes() const;
-    /// Copies what lies in the thread's buffer, since another response will use it.
-    void keep();
+    [[nodiscard]] std::string_view head() const { return head_; }
+    /// None of a large file's.
+    [[nodiscard]] std::string_view body() const { return own_.empty() ? lent_ : own_; }
+
+    /// The large file that goes with the head; none where there is no such file.
+    [[nodiscard]] std::unique_ptr<LargeFile> takeFile() { return std::move(file_); }
+    /// Whether the large file is not to be sent.
+    [[nodiscard]] bool headOnly() const { return headOnly_; }
+
+    /// What follows the first `sent` bytes of head and body.
+    [[nodiscard]] std::string rest(std::size_t sent) const;
+
+private:
+    std::string head_;
+    std::string own_;
+    std::string_view lent_;
+    std::unique_ptr<LargeFile> file_;
+    bool headOnly_ = false;
 };
 
+/// The answer to a request for something below `root`, a standardized path. Looks at the disk.
+[[nodiscard]] Response respond(const RequestHead& request, const std::string& root);
+
+/// The refusal of a request, with a line of text that says it, also in answer to HEAD.
+[[nodiscard]] Response errorResponse(Status status);
+
 /// 200 for the regular file at `path`, 403 where it cannot be read. `path` decides the media type.
-/// The file is closed again, or belongs to the response.
 [[nodiscard]] Response fileResponse(const std::string& path, bool headOnly);
-
-/// 200 with a generated page of what is in `folder`.
-[[nodiscard]] Response listingResponse(const std::string& folder, std::string_view urlPath,
-                                       bool headOnly);
-
-/// 301 to the location as it stands, or 400 where it would not stay on its line of the head
-/// or would lead to another host.
-[[nodiscard]] Response redirectResponse(std::string_view location);
-
-/// The status code with a line of text that says it, also in answer to HEAD.
-[[nodiscard]] Response errorResponse(int status);
 
 } // namespace brevane

@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "ServerThreads.h"
-
+#include <memory>
 #include <string>
 
 namespace brevane {
 
-/// What the connections of one server share. It lives as long as the server; a connection that
-/// finds it gone ends.
+class Loaders;
+class ServerThreads;
+
+/// What the connections of one server share. A connection that finds it gone while it still reads
+/// its request ends; one that answers keeps it.
 struct ServedFolder {
     std::string root; ///< a standardized path
     ServerThreads& threads;
+    std::shared_ptr<Loaders> loaders;
 };
 
 } // namespace brevane

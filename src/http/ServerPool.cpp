@@ -7,12 +7,15 @@ namespace brevane {
 
 ServerPool::ServerPool() = default;
 
-ServerPool::~ServerPool() = default;
+ServerPool::~ServerPool() {
+    const MutexLock lock(mutex_);
+    if (threads_) threads_->end();
+}
 
 ServerThreads& ServerPool::start() {
-    const std::scoped_lock lock(mutex);
-    if (!threads) threads = std::make_unique<ServerThreads>();
-    return *threads;
+    const MutexLock lock(mutex_);
+    if (!threads_) threads_ = ServerThreads::start();
+    return *threads_;
 }
 
 } // namespace brevane

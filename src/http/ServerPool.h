@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Mutex.h"
+
 #include <memory>
-#include <mutex>
 
 namespace brevane {
 
 class ServerThreads;
 
-/// The threads that all file servers share, from the first server's start on. Outlives every
+/// Owns the threads that all file servers share, from the first server's start on. Outlives every
 /// server.
 class ServerPool {
 public:
     ServerPool();
-    /// Closes what is still open and joins the threads.
+    /// Closes what is still open and ends the threads. One that hangs in a file system is left to
+    /// that, after half a second.
     ~ServerPool();
     ServerPool(const ServerPool&) = delete;
     ServerPool& operator=(const ServerPool&) = delete;
@@ -24,8 +26,8 @@ private:
     // Throws the operating system's error where it has no thread or descriptor left. Any thread.
     [[nodiscard]] ServerThreads& start();
 
-    std::mutex mutex;
-    std::unique_ptr<ServerThreads> threads;
+    Mutex mutex_;
+    std::shared_ptr<ServerThreads> threads_ GUARDED_BY(mutex_); // those that hang hold it too
 };
 
 } // namespace brevane

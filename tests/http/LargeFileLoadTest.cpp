@@ -5,41 +5,50 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace brevane {
 namespace {
 
-class LoadLargeFile : public ::testing::Test {
+class BringLargeFile : public ::testing::Test {
 protected:
-    LoadLargeFile() { test::writeFile(path, content); }
+    BringLargeFile() { test::writeFile(path_, std::string(size, 'l')); }
 
-    // The file, said to have `size` bytes.
-    [[nodiscard]] LargeFile file(std::size_t size) const {
-        return {Descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), size};
+    // The file, said to have that many bytes.
+    [[nodiscard]] LargeFile file(std::size_t byteCount) const {
+        return {Descriptor(::open(path_.c_str(), O_RDWR | O_CLOEXEC)), byteCount};
     }
 
-    test::TemporaryFolder folder;
-    const std::filesystem::path path = folder / "large";
-    const std::string content = std::string(3000000, 'l');
-    std::atomic<bool> ending = false;
+    static constexpr std::size_t size = 3000000;
+    test::TemporaryFolder folder_;
+    const std::filesystem::path path_ = folder_ / "large";
 };
 
-TEST_F(LoadLargeFile, BringsAllOfItIntoMemory) {
-    LargeFile whole = file(content.size());
-    EXPECT_FALSE(whole.isLoaded());
-    ASSERT_TRUE(whole.load(ending));
-    EXPECT_TRUE(whole.isLoaded());
-    EXPECT_TRUE(whole.bytes() == content);
+TEST_F(BringLargeFile, LeavesItInTheCache) {
+    const LargeFile whole = file(size);
+    ASSERT_TRUE(whole.bring(0, size));
+    EXPECT_TRUE(whole.isCached(0, size));
+    EXPECT_TRUE(whole.isCached(size - 1, 1));
+    EXPECT_TRUE(whole.isCached(4097, 123456));
 }
 
-TEST_F(LoadLargeFile, FailsWhereTheFileWasCutShortMeanwhile) {
-    EXPECT_FALSE(file(content.size() + 1000000).load(ending));
+TEST_F(BringLargeFile, FailsWhereTheFileWasCutShort) {
+    const LargeFile longer = file(size + 1000000);
+    EXPECT_FALSE(longer.bring(0, size + 1000000));
+    EXPECT_TRUE(longer.isCutShort());
+    EXPECT_FALSE(file(size).isCutShort());
 }
 
-TEST_F(LoadLargeFile, IsGivenUpWhenThePoolEnds) {
-    ending = true;
-    EXPECT_FALSE(file(content.size()).load(ending));
+#ifdef __linux__
+TEST_F(BringLargeFile, BringsBackWhatHasLeftTheCache) {
+    const LargeFile whole = file(size);
+    ASSERT_EQ(::fsync(whole.descriptor()), 0);
+    ASSERT_EQ(::posix_fadvise(whole.descriptor(), 0, 0, POSIX_FADV_DONTNEED), 0);
+    if (whole.isCached(0, size)) GTEST_SKIP() << "this file system has no other place";
+    ASSERT_TRUE(whole.bring(1000000, 500000));
+    EXPECT_TRUE(whole.isCached(1000000, 500000));
 }
+#endif
 
 } // namespace
 } // namespace brevane

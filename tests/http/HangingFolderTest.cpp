@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "Gate.h"
+#include "WireTest.h"
+
+#include <memory>
+#include <vector>
+
+namespace brevane::test {
+namespace {
+
+// A folder some of whose files hang, as those of a network folder do when the network is gone.
+class HangingFolder : public WireTest {
+protected:
+    HangingFolder() {
+        writeFile(root / "held.txt", "held");
+        writeFile(root / "a.txt", "a");
+        writeFile(other / "a.txt", "other");
+    }
+    void SetUp() override {
+        if (!Gate::isAllowed()) GTEST_SKIP() << "holding the opening of files takes root's rights";
+    }
+
+    std::vector<Client> clientsThatAsk(std::string_view target, std::size_t count) {
+        std::vector<Client> clients;
+        while (clients.size() < count) {
+            clients.emplace_back(server.port);
+            clients.back().send("GET " + std::string(target) + " HTTP/1.1\r\n\r\n");
+        }
+        return clients;
+    }
+
+    static std::string getFrom(const FileHTTPServer& asked, const std::string& target) {
+        const std::string request = "GET " + target + " HTTP/1.1\r\n\r\n";
+        return answerTo(asked.port, std::array{std::string_view(request)}, Family::ipv4);
+    }
+
+    TemporaryFolder other;
+};
+
+TEST_F(HangingFolder, DoesNotStopOtherShares) {
+    FileHTTPServer second(other.path.native(), pool());
+    ASSERT_TRUE(second.startListener(0));
+    Gate gate(root / "held.txt", Gate::Held::openings);
+    auto clients = clientsThatAsk("/held.txt", 100);
+    for (int count = 0; count < 100; ++count)
+        ASSERT_EQ(getFrom(second, "/a.txt"), textFileAnswer("other"));
+    gate.open();
+    for (Client& client : clients)
+        EXPECT_EQ(client.receiveAll(), textFileAnswer("held"));
+    EXPECT_EQ(get("/a.txt"), textFileAnswer("a"));
+}
+
+TEST_F(HangingFolder, DoesNotStopItsOwnOtherRequestsWhileSevenHang) {
+    Gate gate(root / "held.txt", Gate::Held::openings);
+    auto clients = clientsThatAsk("/held.txt", 7);
+    for (int count = 0; count < 100; ++count)
+        ASSERT_EQ(get("/a.txt"), textFileAnswer("a"));
+    gate.open();
+    for (Client& client : clients)
+        EXPECT_EQ(client.receiveAll(), textFileAnswer("held"));
+}
+
+TEST_F(HangingFolder, IsServedAgainWhenItAnswersAgain) {
+    for (int round = 0; round < 3; ++round) {
+        Gate gate(root / "held.txt", Gate::Held::openings);
+        auto clients = clientsThatAsk("/held.txt", 50);
+        // Whatever they wait for, these came before and are behind no other.
+        gate.waitForOne();
+        gate.open();
+        for (Client& client : clients)
+            EXPECT_EQ(client.receiveAll(), textFileAnswer("held"));
+    }
+}
+
+TEST_F(HangingFolder, GetsOverRequestsThatNobodyWaitsForAnyMore) {
+    Gate gate(root / "held.txt", Gate::Held::openings);
+    clientsThatAsk("/held.txt", 100).clear();
+    gate.waitForOne();
+    gate.open();
+    EXPECT_EQ(get("/held.txt"), textFileAnswer("held"));
+}
+
+TEST_F(HangingFolder, DoesNotKeepThePoolFromEnding) {
+    auto ending = std::make_unique<ServerPool>();
+    auto served = std::make_unique<FileHTTPServer>(root.native(), *ending);
+    ASSERT_TRUE(served->startListener(0));
+    Gate gate(root / "held.txt", Gate::Held::openings);
+    Client client(served->port);
+    client.send("GET /held.txt HTTP/1.1\r\n\r\n");
+    gate.waitForOne();
+    served.reset();
+    ending.reset();
+    // The thread that hung ends by itself.
+    gate.open();
+    client.receiveAll();
+}
+
+} // namespace
+} // namespace brevane::test
