@@ -28,10 +28,13 @@ namespace {
 
 class NoPreferences final : public Preferences {
 public:
-    [[nodiscard]] std::optional<Dictionary> dictionary(const std::string&) const override {
+    [[nodiscard]] std::expected<Dictionary, std::error_code>
+    dictionary(const std::string&) const override {
         return {};
     }
-    std::error_code set(const std::string&, const Dictionary&) override { return {}; }
+    [[nodiscard]] std::error_code update(const std::map<std::string, Changes>&) override {
+        return {};
+    }
 };
 
 void endInTwoSeconds() {

@@ -39,13 +39,65 @@ std::optional<json::object> parsedObject(const std::string& text) {
     return std::move(parsed.get_object());
 }
 
-bool isAllUtf8(const std::string& key, const Preferences::Dictionary& dictionary) {
-    return isUtf8(key) && std::ranges::all_of(dictionary, [](const auto& record) {
-               return isUtf8(record.first) &&
-                      std::ranges::all_of(record.second, [](const auto& entry) {
-                          return isUtf8(entry.first) && isUtf8(entry.second);
-                      });
-           });
+// Nothing where it is of another shape.
+std::optional<Preferences::Entry> toEntry(const json::value& value) {
+    if (value.is_string()) return std::string(value.get_string());
+    auto record = json::try_value_to<Preferences::Record>(value);
+    if (!value.is_object() || !record) return {};
+    return std::move(*record);
+}
+
+bool isAllUtf8(const std::string& text) {
+    return isUtf8(text);
+}
+
+bool isAllUtf8(const Preferences::Record& record) {
+    return std::ranges::all_of(
+        record, [](const auto& text) { return isUtf8(text.first) && isUtf8(text.second); });
+}
+
+bool isAllUtf8(const Preferences::Changes& changes) {
+    return std::ranges::all_of(changes, [](const auto& change) {
+        const auto& [name, entry] = change;
+        return isUtf8(name) &&
+               (!entry ||
+                std::visit([](const auto& content) { return isAllUtf8(content); }, *entry));
+    });
+}
+
+void apply(const Preferences::Changes& changes, json::object& dictionary) {
+    for (const auto& [name, entry] : changes) {
+        if (entry)
+            dictionary[name] =
+                std::visit([](const auto& content) { return json::value_from(content); }, *entry);
+        else
+            dictionary.erase(name);
+    }
+}
+
+// The first of the names beside a file that is free.
+std::expected<fs::path, std::error_code> freeNameBeside(const fs::path& file) {
+    for (int number = 1;; ++number) {
+        fs::path broken = file;
+        broken += number == 1 ? ".broken" : ".broken." + std::to_string(number);
+        std::error_code error;
+        const auto type = fs::symlink_status(broken, error).type();
+        if (type == fs::file_type::not_found) return broken;
+        if (type == fs::file_type::none) return std::unexpected(error);
+    }
+}
+
+// Keeps what is to be replaced, or leaves everything as it was.
+std::error_code replaceBrokenFile(const fs::path& file, const std::string& text) {
+    const auto broken = freeNameBeside(file);
+    if (!broken) return broken.error();
+    std::error_code error;
+    fs::rename(file, *broken, error);
+    if (error) return error;
+    error = replaceWholeFile(file, text);
+    std::error_code ignored;
+    if (error) fs::rename(*broken, file, ignored);
+    return error;
 }
 
 } // namespace
@@ -57,42 +109,53 @@ fs::path FilePreferences::defaultFile() {
     return folder / "brevane" / "preferences.json";
 }
 
-FilePreferences::FilePreferences(fs::path stored) : file(std::move(stored)) {}
+FilePreferences::FilePreferences(fs::path file) : file_(std::move(file)) {}
 
-std::optional<Preferences::Dictionary> FilePreferences::dictionary(const std::string& key) const {
-    const auto text = readWholeFile(file);
-    if (!text) return {};
+std::expected<Preferences::Dictionary, std::error_code>
+FilePreferences::dictionary(const std::string& key) const {
+    const auto text = readWholeFile(file_);
+    if (!text) {
+        if (text.error() == std::errc::no_such_file_or_directory) return Dictionary{};
+        return std::unexpected(text.error());
+    }
     const auto contents = parsedObject(*text);
     const json::value* const value = contents ? contents->if_contains(key) : nullptr;
-    if (value == nullptr) return {};
-    auto dictionary = json::try_value_to<Dictionary>(*value);
-    if (!dictionary) return {};
-    return std::move(*dictionary);
+    Dictionary dictionary;
+    if (value == nullptr || !value->is_object()) return dictionary;
+    for (const auto& member : value->get_object())
+        if (auto entry = toEntry(member.value()))
+            dictionary.insert_or_assign(std::string(member.key()), std::move(*entry));
+    return dictionary;
 }
 
-std::error_code FilePreferences::set(const std::string& key, const Dictionary& value) {
-    if (!isAllUtf8(key, value)) return std::make_error_code(std::errc::illegal_byte_sequence);
+std::error_code FilePreferences::update(const std::map<std::string, Changes>& dictionaries) {
+    for (const auto& [key, changes] : dictionaries)
+        if (!isUtf8(key) || !isAllUtf8(changes))
+            return std::make_error_code(std::errc::illegal_byte_sequence);
 
-    const auto target = followedLinks(file);
+    const auto target = followedLinks(file_);
     if (!target) return target.error();
 
     json::object contents;
+    bool isBroken = false;
     if (const auto text = readWholeFile(*target)) {
-        if (auto known = parsedObject(*text)) {
-            contents = std::move(*known);
-        } else {
-            fs::path broken = *target;
-            broken += ".broken";
-            std::error_code error;
-            fs::rename(*target, broken, error);
-            if (error) return error;
-        }
+        auto known = parsedObject(*text);
+        isBroken = !known;
+        if (known) contents = std::move(*known);
     } else if (text.error() != std::errc::no_such_file_or_directory) {
         return text.error();
     }
 
-    contents[key] = json::value_from(value);
-    return replaceWholeFile(*target, json::serialize(contents) + '\n');
+    for (const auto& [key, changes] : dictionaries) {
+        json::value& value = contents[key];
+        if (!value.is_object()) {
+            isBroken = isBroken || !value.is_null();
+            value.emplace_object();
+        }
+        apply(changes, value.get_object());
+    }
+    const std::string text = json::serialize(contents) + '\n';
+    return isBroken ? replaceBrokenFile(*target, text) : replaceWholeFile(*target, text);
 }
 
 } // namespace brevane

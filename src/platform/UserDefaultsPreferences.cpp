@@ -5,8 +5,10 @@
 
 #include <cstddef>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace brevane {
@@ -56,11 +58,10 @@ std::optional<std::string> text(CFTypeRef object) {
     return bytes;
 }
 
-// The map of a dictionary whose values `convert` understands, all of them.
+// The members of a dictionary that `convert` understands; nothing if there are others, unless those
+// may be left out.
 template <class Map, class Convert>
-std::optional<Map> mapOf(CFTypeRef object, Convert convert) {
-    const CFDictionaryRef dictionary = asDictionary(object);
-    if (dictionary == nullptr) return {};
+std::optional<Map> mapOf(CFDictionaryRef dictionary, bool leavesOut, Convert convert) {
     const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
     std::vector<const void*> keys(count);
     std::vector<const void*> values(count);
@@ -70,47 +71,112 @@ std::optional<Map> mapOf(CFTypeRef object, Convert convert) {
     for (std::size_t i = 0; i < count; ++i) {
         auto key = text(keys[i]);
         auto value = convert(values[i]);
-        if (!key || !value) return {};
-        map.emplace(std::move(*key), std::move(*value));
+        if (key && value)
+            map.emplace(std::move(*key), std::move(*value));
+        else if (!leavesOut)
+            return {};
     }
     return map;
 }
 
-// The dictionary of a map whose values `convert` can store, all of them.
-template <class Map, class Convert>
-Owned<CFMutableDictionaryRef> makeDictionary(const Map& map, Convert convert) {
-    Owned<CFMutableDictionaryRef> dictionary(CFDictionaryCreateMutable(
+// Nothing where it is of another shape.
+std::optional<Preferences::Entry> toEntry(CFTypeRef object) {
+    if (auto content = text(object)) return std::move(*content);
+    const CFDictionaryRef dictionary = asDictionary(object);
+    if (dictionary == nullptr) return {};
+    auto record = mapOf<Preferences::Record>(dictionary, false, text);
+    if (!record) return {};
+    return std::move(*record);
+}
+
+Owned<CFMutableDictionaryRef> makeDictionary() {
+    return Owned<CFMutableDictionaryRef>(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-    for (const auto& [name, content] : map) {
+}
+
+// None where a text is not UTF-8.
+Owned<CFTypeRef> makeEntry(const Preferences::Entry& entry) {
+    if (const auto* const content = std::get_if<std::string>(&entry))
+        return Owned<CFTypeRef>(makeString(*content).release());
+    auto dictionary = makeDictionary();
+    for (const auto& [name, content] : std::get<Preferences::Record>(entry)) {
         const auto key = makeString(name);
-        const auto value = convert(content);
+        const auto value = makeString(content);
         if (key == nullptr || value == nullptr) return nullptr;
         CFDictionarySetValue(dictionary.get(), key.get(), value.get());
+    }
+    return Owned<CFTypeRef>(dictionary.release());
+}
+
+Owned<CFPropertyListRef> valueOf(CFStringRef key) {
+    return Owned<CFPropertyListRef>(
+        CFPreferencesCopyAppValue(key, kCFPreferencesCurrentApplication));
+}
+
+void keepBroken(const std::string& key, CFPropertyListRef value) {
+    for (int number = 1;; ++number) {
+        const auto name =
+            makeString(key + (number == 1 ? ".broken" : ".broken." + std::to_string(number)));
+        if (valueOf(name.get()) != nullptr) continue;
+        CFPreferencesSetAppValue(name.get(), value, kCFPreferencesCurrentApplication);
+        return;
+    }
+}
+
+// None where a text is not UTF-8.
+Owned<CFMutableDictionaryRef> changed(CFDictionaryRef before, const Preferences::Changes& changes) {
+    auto dictionary = before == nullptr
+                          ? makeDictionary()
+                          : Owned<CFMutableDictionaryRef>(
+                                CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, before));
+    for (const auto& [name, entry] : changes) {
+        const auto key = makeString(name);
+        const auto value = entry ? makeEntry(*entry) : nullptr;
+        if (key == nullptr || (entry && value == nullptr)) return nullptr;
+        if (entry)
+            CFDictionarySetValue(dictionary.get(), key.get(), value.get());
+        else
+            CFDictionaryRemoveValue(dictionary.get(), key.get());
     }
     return dictionary;
 }
 
 } // namespace
 
-std::optional<Preferences::Dictionary>
+std::expected<Preferences::Dictionary, std::error_code>
 UserDefaultsPreferences::dictionary(const std::string& key) const {
     const auto name = makeString(key);
     if (name == nullptr) return {};
-    const Owned<CFPropertyListRef> value(
-        CFPreferencesCopyAppValue(name.get(), kCFPreferencesCurrentApplication));
-    return mapOf<Dictionary>(
-        value.get(), [](CFTypeRef record) { return mapOf<Dictionary::mapped_type>(record, text); });
+    const auto value = valueOf(name.get());
+    const CFDictionaryRef dictionary = asDictionary(value.get());
+    if (dictionary == nullptr) return {};
+    return mapOf<Dictionary>(dictionary, true, toEntry).value_or(Dictionary{});
 }
 
-std::error_code UserDefaultsPreferences::set(const std::string& key, const Dictionary& value) {
-    const auto name = makeString(key);
-    const auto dictionary = makeDictionary(value, [](const Dictionary::mapped_type& record) {
-        return makeDictionary(record, [](const std::string& entry) { return makeString(entry); });
-    });
-    if (name == nullptr || dictionary == nullptr)
-        return std::make_error_code(std::errc::illegal_byte_sequence);
-
-    CFPreferencesSetAppValue(name.get(), dictionary.get(), kCFPreferencesCurrentApplication);
+std::error_code
+UserDefaultsPreferences::update(const std::map<std::string, Changes>& dictionaries) {
+    // All of them are made before the first is stored.
+    struct Stored {
+        std::string key;
+        Owned<CFStringRef> name;
+        Owned<CFPropertyListRef> before;
+        Owned<CFMutableDictionaryRef> after;
+    };
+    std::vector<Stored> stored;
+    for (const auto& [key, changes] : dictionaries) {
+        auto name = makeString(key);
+        if (name == nullptr) return std::make_error_code(std::errc::illegal_byte_sequence);
+        auto before = valueOf(name.get());
+        auto after = changed(asDictionary(before.get()), changes);
+        if (after == nullptr) return std::make_error_code(std::errc::illegal_byte_sequence);
+        stored.push_back({key, std::move(name), std::move(before), std::move(after)});
+    }
+    for (const Stored& each : stored) {
+        if (each.before != nullptr && asDictionary(each.before.get()) == nullptr)
+            keepBroken(each.key, each.before.get());
+        CFPreferencesSetAppValue(each.name.get(), each.after.get(),
+                                 kCFPreferencesCurrentApplication);
+    }
     if (!CFPreferencesAppSynchronize(kCFPreferencesCurrentApplication))
         return std::make_error_code(std::errc::io_error);
     return {};

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdio>
 
@@ -29,10 +30,11 @@ std::error_code makeFolder(const fs::path& folder) {
 }
 
 std::error_code writeToDisk(const fs::path& file, std::string_view bytes) {
+    // One that was left behind has the mode that it had, and may be something else than a file.
+    if (unlink(file.c_str()) == -1 && errno != ENOENT) return lastSystemError();
     const Descriptor output(
-        open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, ownersFile));
+        open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownersFile));
     if (!output.isOpen()) return lastSystemError();
-    // One that was left behind has the mode that it had.
     if (fchmod(output.get(), ownersFile) == -1) return lastSystemError();
     while (!bytes.empty()) {
         const ssize_t count = write(output.get(), bytes.data(), bytes.size());
@@ -46,8 +48,15 @@ std::error_code writeToDisk(const fs::path& file, std::string_view bytes) {
 } // namespace
 
 std::expected<std::string, std::error_code> readWholeFile(const fs::path& file) {
-    const Descriptor input(open(file.c_str(), O_RDONLY | O_CLOEXEC));
+    // Opening a pipe waits for its writer otherwise.
+    const Descriptor input(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!input.isOpen()) return std::unexpected(lastSystemError());
+    struct stat status {};
+    if (fstat(input.get(), &status) == -1) return std::unexpected(lastSystemError());
+    if (S_ISDIR(status.st_mode))
+        return std::unexpected(std::make_error_code(std::errc::is_a_directory));
+    if (!S_ISREG(status.st_mode))
+        return std::unexpected(std::make_error_code(std::errc::operation_not_supported));
     std::string bytes;
     std::array<char, 16384> chunk;
     while (true) {

@@ -4,10 +4,7 @@
 #include "EntryPorts.h"
 #include "Path.h"
 
-#include <charconv>
 #include <limits>
-#include <optional>
-#include <set>
 #include <string_view>
 #include <utility>
 
@@ -15,123 +12,150 @@ namespace brevane {
 
 namespace {
 
-// A signed decimal number and nothing else.
-std::optional<std::int64_t> parsePort(std::string_view text) {
-    if (text.starts_with('+')) {
-        text.remove_prefix(1);
-        if (text.starts_with('-')) return std::nullopt;
-    }
-    std::int64_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc{} || rest != end) return std::nullopt;
-    return number;
-}
-
 bool isTcpPort(std::int64_t port) {
     return port >= 0 && port <= std::numeric_limits<std::uint16_t>::max();
 }
 
 } // namespace
 
-ManagedServers::ManagedServers(Preferences& store, ServerPool& threads, Published<InfoMap>& info)
-    : preferences(store), pool(threads), managedServerInfo(info) {}
+ManagedServers::ManagedServers(ManagedServerRecord& record, ServerPool& pool,
+                               Published<InfoMap>& managedServerInfo)
+    : record_(record), pool_(pool), managedServerInfo_(managedServerInfo) {}
 
 ManagedServers::~ManagedServers() {
-    for (const auto& [port, server] : httpServers)
+    for (const auto& [port, server] : httpServers_)
         stop(*server);
+}
+
+void ManagedServers::loadPersistedManagedServers(const ManagedServerRecord::Entries& recorded) {
+    if (std::exchange(isLoaded_, true)) return;
+    InfoMap infos = managedServerInfo_.get();
+    for (const auto& [port, entry] : recorded)
+        if (infos.emplace(port, entry.info).second) nodes_[port] = entry.node;
+    managedServerInfo_.set(std::move(infos));
 }
 
 void ManagedServers::registerServer(std::shared_ptr<FileHTTPServer> server,
-                                    ManagedServerInfo info) {
+                                    ManagedServerRecord::Entry entry) {
     const std::int64_t port = server->port;
-    httpServers.insert_or_assign(port, std::move(server));
-    InfoMap infos = managedServerInfo.get();
-    infos.insert_or_assign(port, std::move(info));
-    managedServerInfo.set(std::move(infos));
-    persistManagedServers();
+    httpServers_.insert_or_assign(port, std::move(server));
+    nodes_[port] = std::move(entry.node);
+    unconfirmed_.insert(port);
+    InfoMap infos = managedServerInfo_.get();
+    infos.insert_or_assign(port, std::move(entry.info));
+    managedServerInfo_.set(std::move(infos));
 }
 
-void ManagedServers::forget(std::int64_t port) {
+void ManagedServers::forget(std::int64_t port, const std::string& node) {
     stopAndRemove(port);
-    InfoMap infos = managedServerInfo.get();
-    infos.erase(port);
-    managedServerInfo.set(std::move(infos));
-    persistManagedServers();
+    if (isOfAnotherNode(port, node)) return;
+    InfoMap infos = managedServerInfo_.get();
+    if (auto found = infos.extract(port)) remember(port, std::move(found.mapped()));
+    managedServerInfo_.set(std::move(infos));
+    persistManagedServers({port});
 }
 
-void ManagedServers::killAllManagedServers() {
-    for (const auto& [port, server] : httpServers)
+void ManagedServers::killAllManagedServers(const std::string& node) {
+    for (const auto& [port, server] : httpServers_)
         stop(*server);
-    httpServers.clear();
-    managedServerInfo.set({});
-    persistManagedServers();
-}
-
-void ManagedServers::persistManagedServers() {
-    Preferences::Dictionary record;
-    for (const auto& [port, info] : managedServerInfo.get())
-        record[std::to_string(port)] = {{"path", info.path},
-                                        {"type", info.isDirectory ? "directory" : "file"}};
-    // The record is written again at the next change; there is nothing that the user could do.
-    static_cast<void>(preferences.set(managedServersKey, record));
-}
-
-void ManagedServers::loadPersistedManagedServers() {
-    const auto record = preferences.dictionary(managedServersKey);
-    if (!record) return;
-
-    InfoMap infos = managedServerInfo.get();
-    for (const auto& [key, values] : *record) {
-        const auto port = parsePort(key);
-        const auto path = values.find("path");
-        if (!port || path == values.end()) continue;
-        const auto type = values.find("type");
-        infos[*port] = {.path = path->second,
-                        .isDirectory = type != values.end() && type->second == "directory"};
+    httpServers_.clear();
+    InfoMap kept;
+    std::vector<std::int64_t> removed;
+    for (const auto& [port, info] : managedServerInfo_.get()) {
+        if (isOfAnotherNode(port, node)) {
+            kept.emplace(port, info);
+        } else {
+            remember(port, info);
+            removed.push_back(port);
+        }
     }
-    managedServerInfo.set(std::move(infos));
+    managedServerInfo_.set(std::move(kept));
+    persistManagedServers(std::move(removed));
 }
 
-void ManagedServers::restoreManagedServersIfNeeded(const std::vector<ServeEntry>& entries) {
-    forgetStalePorts(entries);
+void ManagedServers::persistManagedServers(std::vector<std::int64_t> removed) {
+    ManagedServerRecord::Entries entries;
+    for (const auto& [port, info] : managedServerInfo_.get())
+        entries[port] = {.info = info, .node = nodes_[port]};
+    record_.change(std::move(entries), std::move(removed));
+}
+
+void ManagedServers::restoreManagedServersIfNeeded(const std::vector<ServeEntry>& entries,
+                                                   const std::string& node) {
+    referenced_.clear();
+    for (const ServeEntry& entry : entries)
+        if (const auto port = proxiedPort(entry); port && isTcpPort(*port))
+            referenced_.insert(*port);
+    if (!node.empty()) reconcile(node);
     startMissingServers();
 }
 
-void ManagedServers::forgetStalePorts(const std::vector<ServeEntry>& entries) {
-    std::set<std::int64_t> referenced;
-    for (const ServeEntry& entry : entries)
-        if (const auto port = proxiedPort(entry); port && isTcpPort(*port))
-            referenced.insert(*port);
-
-    InfoMap kept;
-    for (const auto& [port, info] : managedServerInfo.get()) {
-        if (referenced.contains(port))
-            kept.emplace(port, info);
-        else
-            stopAndRemove(port);
+void ManagedServers::reconcile(const std::string& node) {
+    InfoMap infos = managedServerInfo_.get();
+    std::vector<std::int64_t> removed;
+    bool hasChanged = false;
+    for (auto& [port, entry] : std::exchange(forgotten_, {})) {
+        if (entry.node.empty() || entry.node == node) continue;
+        if (!infos.emplace(port, std::move(entry.info)).second) continue;
+        nodes_[port] = std::move(entry.node);
+        hasChanged = true;
     }
-    if (kept.size() == managedServerInfo->size()) return;
-    managedServerInfo.set(std::move(kept));
-    persistManagedServers();
+    for (auto each = infos.begin(); each != infos.end();) {
+        const auto& [port, info] = *each;
+        std::string& made = nodes_[port];
+        if (referenced_.contains(port)) {
+            // The account may have been switched before the share was made, unseen until here.
+            if (unconfirmed_.erase(port) != 0 || made.empty())
+                hasChanged = std::exchange(made, node) != node || hasChanged;
+            ++each;
+            continue;
+        }
+        stopAndRemove(port);
+        if (isOfAnotherNode(port, node)) {
+            ++each;
+            continue;
+        }
+        removed.push_back(port);
+        remember(port, info);
+        each = infos.erase(each);
+    }
+    if (removed.empty() && !hasChanged) return;
+    if (infos != managedServerInfo_.get()) managedServerInfo_.set(std::move(infos));
+    persistManagedServers(std::move(removed));
 }
 
-void ManagedServers::startMissingServers() {
-    for (const auto& [port, info] : managedServerInfo.get()) {
-        const auto running = httpServers.find(port);
-        if (running != httpServers.end() && running->second->isRunning) continue;
+bool ManagedServers::startMissingServers() {
+    bool areAllRunning = true;
+    for (const auto& [port, info] : managedServerInfo_.get()) {
+        if (!referenced_.contains(port)) continue;
+        const auto running = httpServers_.find(port);
+        if (running != httpServers_.end() && running->second->isRunning) continue;
 
-        auto server = std::make_shared<FileHTTPServer>(rootFolder(info), pool);
+        auto server = std::make_shared<FileHTTPServer>(rootFolder(info), pool_);
         if (server->startListener(static_cast<std::uint16_t>(port)))
-            httpServers.insert_or_assign(port, std::move(server));
+            httpServers_.insert_or_assign(port, std::move(server));
+        else
+            areAllRunning = false;
     }
+    return areAllRunning;
+}
+
+bool ManagedServers::isOfAnotherNode(std::int64_t port, const std::string& node) const {
+    const auto made = nodes_.find(port);
+    return made != nodes_.end() && !made->second.empty() && !node.empty() && made->second != node;
+}
+
+void ManagedServers::remember(std::int64_t port, ManagedServerInfo info) {
+    unconfirmed_.erase(port);
+    forgotten_[port] = {.info = std::move(info), .node = std::exchange(nodes_[port], {})};
+    nodes_.erase(port);
 }
 
 void ManagedServers::stopAndRemove(std::int64_t port) {
-    const auto server = httpServers.find(port);
-    if (server == httpServers.end()) return;
+    const auto server = httpServers_.find(port);
+    if (server == httpServers_.end()) return;
     stop(*server->second);
-    httpServers.erase(server);
+    httpServers_.erase(server);
 }
 
 void ManagedServers::stop(FileHTTPServer& server) {

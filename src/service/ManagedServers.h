@@ -2,59 +2,56 @@
 #pragma once
 
 #include "FileHTTPServer.h"
-#include "Preferences.h"
+#include "ManagedServerRecord.h"
 #include "Published.h"
 #include "ServeEntry.h"
 
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace brevane {
 
-/// What a managed port serves.
-struct ManagedServerInfo {
-    std::string path; ///< the file or folder as the user entered it, without white space around it
-    bool isDirectory; ///< a folder share; else a file share, served out of the file's folder
-
-    bool operator==(const ManagedServerInfo&) const = default;
-};
-
-/// The file servers behind file and folder shares, and the record of them that survives a restart.
-/// Main thread only, but for the destructor and `stop`.
+/// The file servers behind file and folder shares, and what of them is recorded. A share belongs to
+/// the node, named by its DNS name, that it was made under: another account's shares are kept, and
+/// not served, while nothing leads to them. Main thread only, but for the destructor and `stop`.
 class ManagedServers {
 public:
     using InfoMap = std::map<std::int64_t, ManagedServerInfo>; ///< by local port
 
-    static constexpr const char* managedServersKey = "TailscaleManagedServers";
-
-    ManagedServers(Preferences& preferences, ServerPool& pool,
+    ManagedServers(ManagedServerRecord& record, ServerPool& pool,
                    Published<InfoMap>& managedServerInfo);
     /// Stops every server and leaves the record as it is, so that they come back at the next start.
     ~ManagedServers();
+    ManagedServers(const ManagedServers&) = delete;
+    ManagedServers& operator=(const ManagedServers&) = delete;
 
-    /// Takes in a server whose share has just been made, and records it.
-    void registerServer(std::shared_ptr<FileHTTPServer> server, ManagedServerInfo info);
+    /// Takes in what the record holds. Only the first call counts. Starts no server.
+    void loadPersistedManagedServers(const ManagedServerRecord::Entries& recorded);
 
-    /// Stops the server on this port, if there is one, and forgets the port; the record is written
-    /// whether or not there was anything to forget.
-    void forget(std::int64_t port);
+    /// Takes in a server whose share has just been made, and which is in the record already.
+    void registerServer(std::shared_ptr<FileHTTPServer> server, ManagedServerRecord::Entry entry);
 
-    /// Stops every server and forgets all of them.
-    void killAllManagedServers();
+    /// Stops the server on this port, if there is one, and forgets the port, unless it is another
+    /// node's. The record is written whether or not there was anything to forget. `node` is this
+    /// node's DNS name, empty if not known.
+    void forget(std::int64_t port, const std::string& node);
 
-    /// Writes the record from `managedServerInfo`.
-    void persistManagedServers();
+    /// Stops every server and forgets all of them that are not another node's.
+    void killAllManagedServers(const std::string& node);
 
-    /// Fills `managedServerInfo` from the record, which is ignored as a whole if it has another
-    /// shape. Starts no server.
-    void loadPersistedManagedServers();
+    /// Where `node` is not empty, the daemon runs under that name, and what no proxy among
+    /// `entries` leads to is stopped, and forgotten if it was made under it. Then starts the
+    /// servers that are missing.
+    void restoreManagedServersIfNeeded(const std::vector<ServeEntry>& entries,
+                                       const std::string& node);
 
-    /// Forgets every port that no proxy among `entries` leads to any more, and starts the servers
-    /// that are missing. One that cannot be started is tried again the next time.
-    void restoreManagedServersIfNeeded(const std::vector<ServeEntry>& entries);
+    /// Starts the missing servers of the ports that the last restore saw in use. Returns false
+    /// where one could not be started.
+    bool startMissingServers();
 
     /// Stops one server: no request is accepted any more, responses under way finish.
     static void stop(FileHTTPServer& server);
@@ -63,14 +60,23 @@ public:
     [[nodiscard]] static std::string rootFolder(const ManagedServerInfo& info);
 
 private:
-    void forgetStalePorts(const std::vector<ServeEntry>& entries);
-    void startMissingServers();
+    void reconcile(const std::string& node);
+    void persistManagedServers(std::vector<std::int64_t> removed);
+    [[nodiscard]] bool isOfAnotherNode(std::int64_t port, const std::string& node) const;
+    void remember(std::int64_t port, ManagedServerInfo info);
     void stopAndRemove(std::int64_t port);
 
-    Preferences& preferences;
-    ServerPool& pool;
-    Published<InfoMap>& managedServerInfo;
-    std::map<std::int64_t, std::shared_ptr<FileHTTPServer>> httpServers;
+    ManagedServerRecord& record_;
+    ServerPool& pool_;
+    Published<InfoMap>& managedServerInfo_;
+    std::map<std::int64_t, std::shared_ptr<FileHTTPServer>> httpServers_;
+    std::map<std::int64_t, std::string> nodes_; ///< the node of each managed port, if it is known
+    bool isLoaded_ = false;
+    std::set<std::int64_t> referenced_;  ///< the ports that proxies led to at the last restore
+    std::set<std::int64_t> unconfirmed_; ///< made under a node that no refresh has shown since
+    /// Forgotten since the last restore that knew the node: it may not have been the one that all
+    /// believed.
+    ManagedServerRecord::Entries forgotten_;
 };
 
 } // namespace brevane

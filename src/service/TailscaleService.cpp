@@ -6,6 +6,7 @@
 #include "TailscaleStatusJSON.h"
 #include "Text.h"
 
+#include <future>
 #include <utility>
 
 namespace brevane {
@@ -14,40 +15,68 @@ std::shared_ptr<TailscaleService> TailscaleService::create(Configuration configu
                                                            MainQueue& mainQueue, SerialQueue& queue,
                                                            Preferences& preferences,
                                                            ServerPool& pool) {
-    return std::shared_ptr<TailscaleService>(
+    std::shared_ptr<TailscaleService> service(
         new TailscaleService(std::move(configuration), mainQueue, queue, preferences, pool));
+    service->loadPersistedManagedServers();
+    return service;
 }
 
-TailscaleService::TailscaleService(Configuration configuration, MainQueue& main,
-                                   SerialQueue& background, Preferences& preferences,
-                                   ServerPool& threads)
-    : tailscaleBin(configuration.tailscaleBin), mainQueue(main), queue(background), pool(threads),
-      runner(std::move(configuration)), managedServers(preferences, threads, managedServerInfo) {
+TailscaleService::TailscaleService(Configuration configuration, MainQueue& mainQueue,
+                                   SerialQueue& queue, Preferences& preferences, ServerPool& pool)
+    : tailscaleBin_(configuration.tailscaleBin), mainQueue_(mainQueue), queue_(queue), pool_(pool),
+      runner_(std::move(configuration)), record_(preferences),
+      managedServers_(record_, pool, managedServerInfo) {
     const auto forward = [this](Announcement& willChange) {
         return willChange.subscribe([this] { objectWillChange.announce(); });
     };
-    forwarding = {forward(dnsName.willChange),          forward(tailscaleIP.willChange),
-                  forward(isConnected.willChange),      forward(hostname.willChange),
-                  forward(entries.willChange),          forward(isLoading.willChange),
-                  forward(lastError.willChange),        forward(lastOutput.willChange),
-                  forward(managedServerInfo.willChange)};
-    managedServers.loadPersistedManagedServers();
+    forwarding_ = {forward(dnsName.willChange),          forward(tailscaleIP.willChange),
+                   forward(isConnected.willChange),      forward(hostname.willChange),
+                   forward(entries.willChange),          forward(isLoading.willChange),
+                   forward(lastError.willChange),        forward(lastOutput.willChange),
+                   forward(managedServerInfo.willChange)};
 }
 
 TailscaleService::~TailscaleService() = default;
 
+void TailscaleService::loadPersistedManagedServers() {
+    constexpr auto patience = std::chrono::milliseconds(200);
+    struct Recorded {
+        std::promise<ManagedServerRecord::Entries> read;
+        std::atomic<bool> isLate = false;
+    };
+    const auto recorded = std::make_shared<Recorded>();
+    auto firstRead = recorded->read.get_future();
+    record_.read([recorded, &main = mainQueue_,
+                  weak = weak_from_this()](const ManagedServerRecord::Entries& found) {
+        recorded->read.set_value(found);
+        if (!recorded->isLate) return;
+        main.post([weak, found] {
+            const auto self = weak.lock();
+            if (!self) return;
+            self->managedServers_.loadPersistedManagedServers(found);
+            self->managedServers_.startMissingServers();
+        });
+    });
+    firstRead.wait_for(patience);
+    // Said before looking once more, so that one of the two threads sees what the other has done.
+    recorded->isLate = true;
+    if (firstRead.wait_for(patience.zero()) == std::future_status::ready)
+        managedServers_.loadPersistedManagedServers(firstRead.get());
+}
+
 void TailscaleService::refresh() {
-    mainQueue.post([self = shared_from_this()] {
+    mainQueue_.post([self = shared_from_this()] {
         self->isLoading.set(true);
         self->lastError.set(std::nullopt);
     });
     onQueue([](const std::shared_ptr<TailscaleService>& self) {
-        std::string status = self->runner.runShell(self->tailscaleBin + " status --json");
-        std::string serve = self->runner.runShell(self->tailscaleBin + " serve status --json");
-        self->mainQueue.post([self, status = std::move(status), serve = std::move(serve)] {
+        std::string status = self->runner_.runShell(self->tailscaleBin_ + " status --json");
+        std::string serve = self->runner_.runShell(self->tailscaleBin_ + " serve status --json");
+        self->mainQueue_.post([self, status = std::move(status), serve = std::move(serve)] {
             self->parseStatus(status);
             self->parseServeConfig(serve);
             self->isLoading.set(false);
+            self->saveRecord();
         });
     });
 }
@@ -81,15 +110,36 @@ void TailscaleService::parseServeConfig(const std::string& text) {
         return;
     }
     entries.set(extractEntries(*config, dnsName.get()));
-    managedServers.restoreManagedServersIfNeeded(entries.get());
+    managedServers_.restoreManagedServersIfNeeded(entries.get(), runningNode());
+}
+
+// Empty where the daemon does not run, or nobody knows under which name.
+std::string TailscaleService::runningNode() const {
+    return isConnected.get() ? dnsName.get() : std::string();
+}
+
+void TailscaleService::saveRecord() {
+    record_.save([&main = mainQueue_, weak = weak_from_this()](std::error_code error) {
+        if (!error) return;
+        main.post([weak, error] {
+            const auto self = weak.lock();
+            if (self && !self->lastError.get())
+                self->lastError.set("Shares could not be saved: " + error.message());
+        });
+    });
+}
+
+bool TailscaleService::waitForRecord(std::chrono::milliseconds limit) {
+    return record_.wait(limit);
 }
 
 void TailscaleService::interruptCommands() {
-    runner.interrupt();
+    isInterrupted_ = true;
+    runner_.interrupt();
 }
 
 void TailscaleService::onQueue(std::function<void(const std::shared_ptr<TailscaleService>&)> work) {
-    queue.post([weak = weak_from_this(), work = std::move(work)] {
+    queue_.post([weak = weak_from_this(), work = std::move(work)] {
         if (const auto self = weak.lock()) work(self);
     });
 }

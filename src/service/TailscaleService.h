@@ -5,6 +5,7 @@
 #include "CommandRunner.h"
 #include "Configuration.h"
 #include "MainQueue.h"
+#include "ManagedServerRecord.h"
 #include "ManagedServers.h"
 #include "Preferences.h"
 #include "Published.h"
@@ -14,6 +15,9 @@
 #include "SourceType.h"
 
 #include <array>
+#include <atomic>
+#include <chrono>
+#include <expected>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,13 +36,14 @@ public:
     using Completion = std::function<void(bool success, const std::string& output)>;
 
     /// What is passed by reference outlives the service; the queue is to be destroyed before the
-    /// others, since its running task keeps the service alive. Loads the record of managed servers;
-    /// runs no command and starts no server.
+    /// others, since its running task keeps the service alive. Loads the record of managed servers,
+    /// for which it waits a moment and no longer: from a slow disk it comes when it comes. Runs no
+    /// command and starts no server.
     [[nodiscard]] static std::shared_ptr<TailscaleService>
     create(Configuration configuration, MainQueue& mainQueue, SerialQueue& queue,
            Preferences& preferences, ServerPool& pool);
-    /// Stops every file server. May run on the background queue's own thread, where a task can hold
-    /// the last reference.
+    /// Stops every file server and waits until the record is on disk. May run on the background
+    /// queue's own thread, where a task can hold the last reference.
     ~TailscaleService();
 
     TailscaleService(const TailscaleService&) = delete;
@@ -61,7 +66,8 @@ public:
     void refresh();
 
     /// Creates a share, then refreshes. A file or folder gets a file server of its own, which is
-    /// kept and recorded only if the share was made. A failure is published as `lastError`.
+    /// kept only if the share was made. It is recorded before that, so that at no instant the
+    /// daemon leads to a port that nobody remembers. A failure is published as `lastError`.
     void add(ServeMode mode, SourceType sourceType, const std::string& source,
              const std::string& urlPath, bool background, Completion completion);
 
@@ -80,25 +86,43 @@ public:
     /// Ends the command that runs and every later one, for quitting. Any thread.
     void interruptCommands();
 
+    /// Waits until what was to be recorded is on disk or could not be written, but no longer than
+    /// `limit`. Returns whether it was. Any thread.
+    bool waitForRecord(std::chrono::milliseconds limit);
+
 private:
     TailscaleService(Configuration configuration, MainQueue& mainQueue, SerialQueue& queue,
                      Preferences& preferences, ServerPool& pool);
+    void loadPersistedManagedServers();
     void parseStatus(const std::string& text);
     void parseServeConfig(const std::string& text);
+    [[nodiscard]] std::string runningNode() const;
+    void saveRecord();
     void onQueue(std::function<void(const std::shared_ptr<TailscaleService>&)> work);
-    CommandRunner::Result addThroughServer(ServeMode mode, SourceType sourceType,
-                                           const std::string& source, const std::string& urlPath,
+    /// What a file or folder share serves and under which path.
+    struct ServedSource {
+        ManagedServerRecord::Entry entry;
+        std::string mountPath;
+    };
+    [[nodiscard]] static ServedSource servedSource(SourceType sourceType, const std::string& source,
+                                                   const std::string& urlPath,
+                                                   const std::string& node);
+    CommandRunner::Result addThroughServer(ServeMode mode, const ServedSource& source,
                                            bool background);
+    [[nodiscard]] std::expected<std::shared_ptr<FileHTTPServer>, std::string>
+    startRecordedServer(const ManagedServerRecord::Entry& entry);
     void finishAdd(const CommandRunner::Result& result, const Completion& completion);
     void reset(const std::string& subcommand, Completion completion);
 
-    std::string tailscaleBin;
-    MainQueue& mainQueue;
-    SerialQueue& queue;
-    ServerPool& pool;
-    std::array<Subscription, 9> forwarding;
-    CommandRunner runner;
-    ManagedServers managedServers;
+    std::string tailscaleBin_;
+    MainQueue& mainQueue_;
+    SerialQueue& queue_;
+    ServerPool& pool_;
+    std::array<Subscription, 9> forwarding_;
+    CommandRunner runner_;
+    std::atomic<bool> isInterrupted_ = false;
+    ManagedServerRecord record_;
+    ManagedServers managedServers_;
 };
 
 } // namespace brevane

@@ -34,7 +34,7 @@ TEST_F(FilePreferencesOnDisk, IsReadableByItsOwnerAloneWhateverWasThere) {
     std::ofstream(leftBehind) << "left behind by a writer that was killed";
     fs::permissions(leftBehind, fs::perms::all);
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_FALSE(store(preferences, sample));
     umask(022);
     EXPECT_EQ(mode(file), 0600U);
     EXPECT_EQ(preferences.dictionary(key), sample);
@@ -45,7 +45,7 @@ TEST_F(FilePreferencesOnDisk, MakesMissingFoldersForItsOwnerAlone) {
     umask(0);
     const fs::path deep = folder / "config" / "brevane";
     FilePreferences preferences(deep / "preferences.json");
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_FALSE(store(preferences, sample));
     umask(022);
     EXPECT_EQ(mode(deep), 0700U);
     EXPECT_EQ(mode(deep.parent_path()), 0700U);
@@ -54,7 +54,8 @@ TEST_F(FilePreferencesOnDisk, MakesMissingFoldersForItsOwnerAlone) {
 
 TEST_F(FilePreferencesOnDisk, LeavesTheModeOfAFolderThatIsThere) {
     fs::permissions(folder.path, fs::perms::owner_all | fs::perms::group_read);
-    EXPECT_FALSE(FilePreferences(file).set(key, sample));
+    FilePreferences preferences(file);
+    EXPECT_FALSE(store(preferences, sample));
     EXPECT_EQ(mode(folder.path), 0740U);
 }
 
@@ -62,7 +63,7 @@ TEST_F(FilePreferencesOnDisk, WorksOnABareNameInTheCurrentFolder) {
     const fs::path before = fs::current_path();
     fs::current_path(folder.path);
     FilePreferences preferences("preferences.json");
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_FALSE(store(preferences, sample));
     EXPECT_EQ(preferences.dictionary(key), sample);
     fs::current_path(before);
     EXPECT_TRUE(fs::exists(file));
@@ -75,7 +76,7 @@ TEST_F(FilePreferencesOnDisk, WritesThroughASymbolicLink) {
     fs::create_symlink("dotfiles/hop", file);
     fs::create_symlink(elsewhere / "real.json", elsewhere / "hop");
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, {}));
+    EXPECT_FALSE(store(preferences, {}));
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_TRUE(fs::is_symlink(elsewhere / "hop"));
     EXPECT_EQ(bytes(elsewhere / "real.json"), "{\"Other\":1,\"TailscaleManagedServers\":{}}\n");
@@ -85,8 +86,8 @@ TEST_F(FilePreferencesOnDisk, WritesThroughASymbolicLink) {
 TEST_F(FilePreferencesOnDisk, MakesWhatADanglingLinkPointsTo) {
     fs::create_symlink("new/real.json", file);
     FilePreferences preferences(file);
-    EXPECT_EQ(preferences.dictionary(key), std::nullopt);
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_EQ(preferences.dictionary(key), Dictionary());
+    EXPECT_FALSE(store(preferences, sample));
     EXPECT_TRUE(fs::is_symlink(file));
     EXPECT_EQ(FilePreferences(folder / "new" / "real.json").dictionary(key), sample);
 }
@@ -94,46 +95,72 @@ TEST_F(FilePreferencesOnDisk, MakesWhatADanglingLinkPointsTo) {
 TEST_F(FilePreferencesOnDisk, GivesAnErrorForACircleOfLinks) {
     fs::create_symlink("preferences.json", file);
     FilePreferences preferences(file);
-    EXPECT_EQ(preferences.set(key, sample), std::errc::too_many_symbolic_link_levels);
-    EXPECT_EQ(preferences.dictionary(key), std::nullopt);
+    EXPECT_EQ(preferences.update({{key, {}}}), std::errc::too_many_symbolic_link_levels);
+    EXPECT_EQ(preferences.dictionary(key).error(), std::errc::too_many_symbolic_link_levels);
 }
 
 TEST_F(FilePreferencesOnDisk, LeavesAloneWhatItCannotRead) {
     fs::create_directory(file);
     FilePreferences preferences(file);
-    EXPECT_EQ(preferences.set(key, sample), std::errc::is_a_directory);
-    EXPECT_EQ(preferences.dictionary(key), std::nullopt);
+    EXPECT_EQ(preferences.update({{key, {}}}), std::errc::is_a_directory);
+    EXPECT_EQ(preferences.dictionary(key).error(), std::errc::is_a_directory);
+    EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
+}
+
+TEST_F(FilePreferencesOnDisk, WaitsForNoWriterOfAPipe) {
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    FilePreferences preferences(file);
+    EXPECT_EQ(preferences.dictionary(key).error(), std::errc::operation_not_supported);
+    EXPECT_EQ(preferences.update({{key, {}}}), std::errc::operation_not_supported);
+    EXPECT_TRUE(fs::is_fifo(file));
+}
+
+TEST_F(FilePreferencesOnDisk, WaitsForNoReaderOfAPipeInTheTemporaryFilesPlace) {
+    ASSERT_EQ(mkfifo((folder / "preferences.json.new").c_str(), 0600), 0);
+    FilePreferences preferences(file);
+    EXPECT_FALSE(store(preferences, sample));
+    EXPECT_EQ(preferences.dictionary(key), sample);
     EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
 }
 
 TEST_F(FilePreferencesOnDisk, GivesAnErrorWhereTheFolderCannotBeMade) {
     write("text");
-    EXPECT_EQ(FilePreferences(file / "brevane" / "preferences.json").set(key, sample),
+    EXPECT_EQ(FilePreferences(file / "brevane" / "preferences.json").update({{key, {}}}),
               std::errc::not_a_directory);
     fs::create_symlink("nowhere", folder / "dangling");
-    EXPECT_EQ(FilePreferences(folder / "dangling" / "preferences.json").set(key, sample),
+    EXPECT_EQ(FilePreferences(folder / "dangling" / "preferences.json").update({{key, {}}}),
               std::errc::file_exists);
 }
 
-TEST_F(FilePreferencesOnDisk, GivesAnErrorWhereTheBrokenFileCannotBeKept) {
+TEST_F(FilePreferencesOnDisk, KeepsABrokenFileBesideWhateverHasItsNameAlready) {
     write("not JSON");
     fs::create_directory(broken);
+    fs::create_symlink("nowhere", broken.string() + ".2");
     FilePreferences preferences(file);
-    EXPECT_EQ(preferences.set(key, sample), std::errc::is_a_directory);
+    EXPECT_FALSE(store(preferences, sample));
+    EXPECT_EQ(bytes(broken.string() + ".3"), "not JSON");
+}
+
+TEST_F(FilePreferencesOnDisk, LeavesABrokenFileWhereItIsIfItCannotBeReplaced) {
+    write("not JSON");
+    fs::create_directory(folder / "preferences.json.new");
+    FilePreferences preferences(file);
+    EXPECT_EQ(preferences.update({{key, {}}}), std::errc::is_a_directory);
     EXPECT_EQ(bytes(file), "not JSON");
+    EXPECT_FALSE(fs::exists(broken));
 }
 
 TEST_F(FilePreferencesOnDisk, GivesAnErrorWhereTheTemporaryFileCannotBeMade) {
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_FALSE(store(preferences, sample));
     fs::create_directory(folder / "preferences.json.new");
-    EXPECT_EQ(preferences.set(key, {}), std::errc::is_a_directory);
+    EXPECT_EQ(store(preferences, {}), std::errc::is_a_directory);
     EXPECT_EQ(preferences.dictionary(key), sample);
 }
 
 TEST_F(FilePreferencesOnDisk, KeepsTheOldRecordWhereTheDiskIsFull) {
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_FALSE(store(preferences, sample));
 
     // A limit on the size of files stands for the full disk.
     rlimit before{};
@@ -141,7 +168,7 @@ TEST_F(FilePreferencesOnDisk, KeepsTheOldRecordWhereTheDiskIsFull) {
     const auto handlerBefore = signal(SIGXFSZ, SIG_IGN);
     const rlimit tight{.rlim_cur = 100, .rlim_max = before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &tight);
-    const auto error = preferences.set("Other", {{"1", {{"path", std::string(1000, 'x')}}}});
+    const auto error = preferences.update({{"Other", {{"1", std::string(1000, 'x')}}}});
     setrlimit(RLIMIT_FSIZE, &before);
     signal(SIGXFSZ, handlerBefore);
 
@@ -154,22 +181,22 @@ TEST_F(FilePreferencesOnDisk, KeepsTheOldRecordWhereTheDiskIsFull) {
 Dictionary generation(int number) {
     Dictionary record;
     for (int port = 40000; port < 40300; ++port)
-        record[std::to_string(port)] = {{"path", "/" + std::to_string(number)},
-                                        {"type", std::string(200, 'x')}};
+        record[std::to_string(port)] =
+            Record{{"path", "/" + std::to_string(number)}, {"type", std::string(200, 'x')}};
     return record;
 }
 
 // Writes one generation after another and tells of each that is stored.
 [[noreturn]] void writeGenerations(FilePreferences& preferences, int first, int told) {
     for (int number = first;; ++number) {
-        if (preferences.set(key, generation(number))) _exit(1);
+        if (store(preferences, generation(number))) _exit(1);
         if (write(told, &number, sizeof number) == -1) _exit(1);
     }
 }
 
 TEST_F(FilePreferencesOnDisk, HoldTheOldOrTheNewRecordAfter200Kills) {
     FilePreferences preferences(file);
-    ASSERT_FALSE(preferences.set(key, generation(0)));
+    ASSERT_FALSE(store(preferences, generation(0)));
     std::minstd_rand random;
     std::uniform_int_distribution instants(0, 4000);
     int stored = 0;

@@ -12,6 +12,7 @@
 #include <set>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace brevane {
 namespace {
@@ -20,86 +21,117 @@ using FilePreferencesTest = PreferencesFile;
 
 TEST_F(FilePreferencesTest, GivesBackWhatWasStored) {
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
+    EXPECT_FALSE(store(preferences, sample));
     EXPECT_EQ(preferences.dictionary(key), sample);
     EXPECT_EQ(FilePreferences(file).dictionary(key), sample);
 }
 
 TEST_F(FilePreferencesTest, StoresAnEmptyDictionary) {
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
-    EXPECT_FALSE(preferences.set(key, {}));
+    EXPECT_FALSE(store(preferences, sample));
+    EXPECT_FALSE(store(preferences, {}));
     EXPECT_EQ(preferences.dictionary(key), Dictionary{});
     EXPECT_EQ(bytes(file), "{\"TailscaleManagedServers\":{}}\n");
 }
 
 TEST_F(FilePreferencesTest, HasNothingWhereThereIsNoFile) {
-    EXPECT_EQ(FilePreferences(file).dictionary(key), std::nullopt);
+    EXPECT_EQ(FilePreferences(file).dictionary(key), Dictionary());
     EXPECT_FALSE(fs::exists(file));
 }
 
 TEST_F(FilePreferencesTest, HasNothingUnderAKeyThatIsAbsent) {
-    EXPECT_EQ(dictionaryOf(R"({"Other":{}})"), std::nullopt);
-    EXPECT_EQ(dictionaryOf("{}"), std::nullopt);
+    EXPECT_EQ(dictionaryOf(R"({"Other":{}})"), Dictionary());
+    EXPECT_EQ(dictionaryOf("{}"), Dictionary());
 }
 
-TEST_F(FilePreferencesTest, IgnoresARecordOfAnotherShape) {
-    for (const char* const value :
-         {"null", "true", "1", "\"text\"", "[]", R"([["49231",{}]])", R"({"49231":null})",
-          R"({"49231":"text"})", R"({"49231":["path","/x"]})", R"({"49231":{"path":1}})",
-          R"({"49231":{"path":null}})", R"({"49231":{"path":{}}})",
-          R"({"49231":{"path":"/x"},"49232":{"path":false}})"}) {
-        EXPECT_EQ(dictionaryOf("{\"" + key + "\":" + value + "}"), std::nullopt) << value;
+TEST_F(FilePreferencesTest, HasNothingInWhatIsNotADictionary) {
+    for (const char* const value : {"null", "true", "1", "\"text\"", "[]", R"([["49231",{}]])"})
+        EXPECT_EQ(dictionaryOf("{\"" + key + "\":" + value + "}"), Dictionary()) << value;
+}
+
+TEST_F(FilePreferencesTest, LeavesOutEntriesOfAnotherShapeAndKeepsThem) {
+    for (const char* const entry : {"null", "7", R"(["path","/x"])", "[]", R"({"path":1})",
+                                    R"({"path":null})", R"({"path":{}})"}) {
+        const std::string before = std::string(R"({"1":{"path":"/a"},"2":)") + entry;
+        EXPECT_EQ(dictionaryOf("{\"" + key + "\":" + before + "}}"),
+                  (Dictionary{{"1", Record{{"path", "/a"}}}}))
+            << entry;
+        FilePreferences preferences(file);
+        EXPECT_FALSE(preferences.update({{key, {{"1", std::nullopt}, {"3", "b"}}}}));
+        EXPECT_NE(bytes(file).find(std::string("\"2\":") + entry), std::string::npos) << entry;
+        EXPECT_EQ(preferences.dictionary(key), (Dictionary{{"3", "b"}})) << entry;
     }
 }
 
 TEST_F(FilePreferencesTest, TakesTheLastOfARepeatedKey) {
     EXPECT_EQ(dictionaryOf("{\"" + key + "\":{\"1\":{\"path\":\"/old\"}},\"" + key +
                            R"(":{"2":{"path":"/a","path":"/b"}}})"),
-              (Dictionary{{"2", {{"path", "/b"}}}}));
+              (Dictionary{{"2", Record{{"path", "/b"}}}}));
 }
 
 TEST_F(FilePreferencesTest, HasNothingInWhatIsNotAnObject) {
     for (const char* const text :
          {"", "[]", "null", "{", "not JSON", "{}x", "\xFF", "{\"a\":\"\xFF\"}"})
-        EXPECT_EQ(dictionaryOf(text), std::nullopt) << text;
+        EXPECT_EQ(dictionaryOf(text), Dictionary()) << text;
 }
 
 TEST_F(FilePreferencesTest, KeepsOtherKeys) {
-    write(R"({"window":{"width":800,"x":[1.5,null,true]},"TailscaleManagedServers":7,"z":"ü"})");
+    write(R"({"window":{"width":800,"x":[1.5,null,true]},"TailscaleManagedServers":{},"z":"ü"})");
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, {}));
-    EXPECT_FALSE(preferences.set("Other", sample));
+    EXPECT_FALSE(store(preferences, {}));
+    EXPECT_FALSE(store(preferences, sample, "Other"));
     EXPECT_EQ(preferences.dictionary("Other"), sample);
     EXPECT_TRUE(bytes(file).starts_with(
         R"({"window":{"width":800,"x":[1.5E0,null,true]},"TailscaleManagedServers":{},"z":"ü",)"))
         << bytes(file);
 }
 
-TEST_F(FilePreferencesTest, KeepsWhatIsNotAnObjectBeside) {
+TEST_F(FilePreferencesTest, KeepsEveryFileThatIsNotAnObjectBesideUnderItsOwnNumber) {
     FilePreferences preferences(file);
-    for (const std::string text : {"not JSON", "[1,2]", ""}) {
+    const std::vector<std::string> texts{"not JSON", "[1,2]", ""};
+    for (const std::string& text : texts) {
         write(text);
-        EXPECT_FALSE(preferences.set(key, sample));
-        EXPECT_EQ(bytes(broken), text);
+        EXPECT_FALSE(store(preferences, sample));
         EXPECT_EQ(preferences.dictionary(key), sample);
     }
+    EXPECT_EQ(bytes(broken), texts[0]);
+    EXPECT_EQ(bytes(broken.string() + ".2"), texts[1]);
+    EXPECT_EQ(bytes(broken.string() + ".3"), texts[2]);
+}
+
+TEST_F(FilePreferencesTest, KeepsAFileWithSomethingElseInADictionarysPlaceBeside) {
+    const std::string text = R"({"Other":1,"TailscaleManagedServers":[7]})";
+    write(text);
+    FilePreferences preferences(file);
+    EXPECT_FALSE(preferences.update({{key, {}}}));
+    EXPECT_EQ(bytes(broken), text);
+    EXPECT_EQ(bytes(file), "{\"Other\":1,\"TailscaleManagedServers\":{}}\n");
+}
+
+TEST_F(FilePreferencesTest, ChangesTwoDictionariesAtOnceAndOnlyWhatIsNamed) {
+    write(R"({"A":{"1":"a","2":"b"},"B":{"3":{"c":"d"}}})");
+    FilePreferences preferences(file);
+    EXPECT_FALSE(preferences.update(
+        {{"A", {{"1", std::nullopt}, {"9", std::nullopt}, {"4", "e"}}}, {"C", {}}}));
+    EXPECT_EQ(bytes(file),
+              "{\"A\":{\"2\":\"b\",\"4\":\"e\"},\"B\":{\"3\":{\"c\":\"d\"}},\"C\":{}}\n");
 }
 
 TEST_F(FilePreferencesTest, LeavesNothingBesideOtherwise) {
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
-    EXPECT_FALSE(preferences.set(key, {}));
+    EXPECT_FALSE(store(preferences, sample));
+    EXPECT_FALSE(store(preferences, {}));
     EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
 }
 
 TEST_F(FilePreferencesTest, RefusesTextThatIsNotUtf8) {
     FilePreferences preferences(file);
-    EXPECT_FALSE(preferences.set(key, sample));
-    for (const Dictionary& bad : {Dictionary{{"1", {{"path", "/\xFF"}}}},
-                                  Dictionary{{"1", {{"\xFF", "/"}}}}, Dictionary{{"\xFF", {}}}})
-        EXPECT_EQ(preferences.set(key, bad), std::errc::illegal_byte_sequence);
-    EXPECT_EQ(preferences.set("\xFF", {}), std::errc::illegal_byte_sequence);
+    EXPECT_FALSE(store(preferences, sample));
+    for (const Dictionary& bad :
+         {Dictionary{{"1", Record{{"path", "/\xFF"}}}}, Dictionary{{"1", Record{{"\xFF", "/"}}}},
+          Dictionary{{"\xFF", Record()}}, Dictionary{{"1", "\xFF"}}})
+        EXPECT_EQ(store(preferences, bad), std::errc::illegal_byte_sequence);
+    EXPECT_EQ(preferences.update({{"\xFF", {}}}), std::errc::illegal_byte_sequence);
     EXPECT_EQ(preferences.dictionary(key), sample);
 }
 
@@ -144,8 +176,8 @@ TEST(UserPreferences, AreInTheDefaultFile) {
     const test::TemporaryFolder folder;
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
     const std::unique_ptr<Preferences> preferences = makeUserPreferences();
-    EXPECT_EQ(preferences->dictionary(key), std::nullopt);
-    EXPECT_FALSE(preferences->set(key, sample));
+    EXPECT_EQ(preferences->dictionary(key), Dictionary());
+    EXPECT_FALSE(store(*preferences, sample));
     EXPECT_EQ(FilePreferences(folder / "brevane" / "preferences.json").dictionary(key), sample);
 }
 

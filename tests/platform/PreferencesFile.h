@@ -13,15 +13,32 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <system_error>
 
 namespace brevane {
 
 namespace fs = std::filesystem;
 using Dictionary = Preferences::Dictionary;
+using Record = Preferences::Record;
 
 inline const std::string key = "TailscaleManagedServers";
-inline const Dictionary sample{{"49231", {{"path", "/Users/x/site"}, {"type", "directory"}}},
-                               {"49232", {{"path", "/Users/x/ä \" \\ \n.pdf"}, {"type", "file"}}}};
+inline const Dictionary sample{
+    {"49231", Record{{"path", "/Users/x/site"}, {"type", "directory"}}},
+    {"49232", Record{{"path", "/Users/x/ä \" \\ \n.pdf"}, {"type", "file"}}},
+    {"49233", "text"}};
+
+/// Makes the dictionary under the key hold this and nothing else, for all that is known of it.
+inline std::error_code store(Preferences& preferences, const Dictionary& dictionary,
+                             const std::string& under = key) {
+    Preferences::Changes changes;
+    const auto before = preferences.dictionary(under);
+    if (!before) return before.error();
+    for (const auto& [name, entry] : *before)
+        changes[name] = std::nullopt;
+    for (const auto& [name, entry] : dictionary)
+        changes[name] = entry;
+    return preferences.update({{under, changes}});
+}
 
 /// A test on one preferences file in a folder of its own.
 class PreferencesFile : public testing::Test {
@@ -33,9 +50,9 @@ protected:
 
     void write(const std::string& text) const { std::ofstream(file, std::ios::binary) << text; }
 
-    [[nodiscard]] std::optional<Dictionary> dictionaryOf(const std::string& text) const {
+    [[nodiscard]] Dictionary dictionaryOf(const std::string& text) const {
         write(text);
-        return FilePreferences(file).dictionary(key);
+        return FilePreferences(file).dictionary(key).value();
     }
 
     [[nodiscard]] std::set<std::string> names(const fs::path& path) const {

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <map>
 #include <memory>
 #include <optional>
 #include <sstream>
@@ -105,9 +107,26 @@ protected:
         return lines;
     }
 
-    Preferences::Dictionary record() {
-        return preferences.dictionary(ManagedServers::managedServersKey)
-            .value_or(Preferences::Dictionary{{"none", {}}});
+    // What is recorded by now, and in how many writes since it was laid down.
+    using Record = std::map<std::string, Preferences::Record>;
+    Record record() {
+        EXPECT_TRUE(service->waitForRecord(std::chrono::minutes(1)));
+        const auto stored = preferences.dictionary(ManagedServerRecord::managedServersKey);
+        Record found;
+        for (const auto& [name, entry] : *stored)
+            found[name] = std::get<Preferences::Record>(entry);
+        return found;
+    }
+    int writes() {
+        EXPECT_TRUE(service->waitForRecord(std::chrono::minutes(1)));
+        return preferences.writes;
+    }
+    void recordHolds(const Record& record) {
+        Preferences::Changes changes;
+        for (const auto& [name, values] : record)
+            changes[name] = values;
+        EXPECT_FALSE(preferences.update({{ManagedServerRecord::managedServersKey, changes}}));
+        preferences.writes = 0;
     }
 
     std::filesystem::path binary() { return folder / "tailscale"; }

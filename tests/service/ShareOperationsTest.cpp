@@ -90,9 +90,8 @@ TEST_F(ShareOperations, AFileIsServedOutOfItsFolderUnderItsName) {
     EXPECT_EQ(lastChange(), "serve --bg --set-path /report.pdf --yes " + std::to_string(port));
     EXPECT_EQ(info, (ManagedServerInfo{(folder / "report.pdf").string(), false}));
     EXPECT_EQ(fetch(port, "/report.pdf"), "content");
-    EXPECT_EQ(record(), (Preferences::Dictionary{
-                            {std::to_string(port),
-                             {{"path", (folder / "report.pdf").string()}, {"type", "file"}}}}));
+    EXPECT_EQ(record(), (Record{{std::to_string(port),
+                                 {{"path", (folder / "report.pdf").string()}, {"type", "file"}}}}));
 }
 
 TEST_F(ShareOperations, AFilesOwnMountPathIsKeptAndAnEmptyOneStaysEmpty) {
@@ -125,13 +124,13 @@ TEST_F(ShareOperations, AFolderThatDoesNotExistIsSharedAndAnswers404) {
     EXPECT_EQ(fetch(service->managedServerInfo->begin()->first, "/"), "404 Not Found");
 }
 
-TEST_F(ShareOperations, AServerWhoseCommandFailedIsStoppedAndNeverRecorded) {
+TEST_F(ShareOperations, AServerWhoseCommandFailedIsStoppedAndTakenOutOfTheRecord) {
     changesDo("echo \"$*\" | sed 's/.* //'; exit 1");
     start();
     const Outcome added = add(SourceType::directory, folder.path.string());
     EXPECT_FALSE(added.success);
     EXPECT_TRUE(service->managedServerInfo->empty());
-    EXPECT_EQ(preferences.writes, 0);
+    EXPECT_TRUE(record().empty());
     EXPECT_EQ(answerTo(std::stoll(added.output), "GET / HTTP/1.1\r\n\r\n"), "");
 }
 
@@ -152,7 +151,7 @@ TEST_F(ShareOperations, TheRegistryChangesBeforeTheResult) {
     bool known = false;
     service->add(ServeMode::serve, SourceType::directory, folder.path.string(), "/", true,
                  [&](bool, const std::string&) {
-                     known = !service->managedServerInfo->empty() && preferences.writes == 1;
+                     known = !service->managedServerInfo->empty() && writes() == 1;
                      outcome.emplace();
                  });
     waitForOutcome();
@@ -194,23 +193,21 @@ TEST_F(ShareOperations, StoppingStopsAndForgetsTheServer) {
 }
 
 TEST_F(ShareOperations, StoppingForgetsAndPersistsAlsoWhereNoServerRan) {
-    preferences.set(ManagedServers::managedServersKey,
-                    {{"49231", {{"path", "/x"}, {"type", "directory"}}}});
+    recordHolds({{"49231", {{"path", "/x"}, {"type", "directory"}}}});
     start();
-    const int writes = preferences.writes;
     service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:49231"), completion());
     waitForOutcome();
     EXPECT_TRUE(service->managedServerInfo->empty());
     EXPECT_TRUE(record().empty());
-    EXPECT_EQ(preferences.writes, writes + 1);
+    EXPECT_EQ(writes(), 1);
 
     service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:3000"), completion());
     waitForOutcome();
-    EXPECT_EQ(preferences.writes, writes + 2);
+    EXPECT_EQ(writes(), 2);
 }
 
 TEST_F(ShareOperations, StoppingReadsThePortOfAnyDetail) {
-    preferences.set(ManagedServers::managedServersKey, {{"49231", {{"path", "/x"}}}});
+    recordHolds({{"49231", {{"path", "/x"}}}});
     start();
     ServeEntry entry = proxyEntry("h:443", "http://127.0.0.1:49231");
     entry.handlerType = ServeEntry::HandlerType::text;

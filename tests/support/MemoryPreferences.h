@@ -3,24 +3,39 @@
 
 #include "Preferences.h"
 
+#include <atomic>
+#include <mutex>
+
 namespace brevane::test {
 
-/// Preferences that last as long as the object, with a count of what was written.
+/// Preferences that last as long as the object, with a count of what was written. Any thread.
 class MemoryPreferences final : public Preferences {
 public:
-    [[nodiscard]] std::optional<Dictionary> dictionary(const std::string& key) const override {
-        const auto found = dictionaries.find(key);
-        return found == dictionaries.end() ? std::nullopt : std::optional(found->second);
+    [[nodiscard]] std::expected<Dictionary, std::error_code>
+    dictionary(const std::string& key) const override {
+        const std::lock_guard lock(mutex_);
+        const auto found = dictionaries_.find(key);
+        return found == dictionaries_.end() ? Dictionary() : found->second;
     }
 
-    std::error_code set(const std::string& key, const Dictionary& value) override {
-        dictionaries[key] = value;
+    std::error_code update(const std::map<std::string, Changes>& dictionaries) override {
+        const std::lock_guard lock(mutex_);
+        for (const auto& [key, changes] : dictionaries)
+            for (const auto& [name, entry] : changes) {
+                if (entry)
+                    dictionaries_[key].insert_or_assign(name, *entry);
+                else
+                    dictionaries_[key].erase(name);
+            }
         ++writes;
         return {};
     }
 
-    std::map<std::string, Dictionary> dictionaries;
-    int writes = 0;
+    std::atomic<int> writes = 0;
+
+private:
+    mutable std::mutex mutex_; // guards the dictionaries
+    std::map<std::string, Dictionary> dictionaries_;
 };
 
 } // namespace brevane::test

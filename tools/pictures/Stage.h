@@ -15,10 +15,13 @@ namespace brevane::pictures {
 /// Preferences that forget.
 class NoPreferences final : public Preferences {
 public:
-    [[nodiscard]] std::optional<Dictionary> dictionary(const std::string&) const override {
+    [[nodiscard]] std::expected<Dictionary, std::error_code>
+    dictionary(const std::string&) const override {
         return {};
     }
-    std::error_code set(const std::string&, const Dictionary&) override { return {}; }
+    [[nodiscard]] std::error_code update(const std::map<std::string, Changes>&) override {
+        return {};
+    }
 };
 
 /// A main window with a service whose every command just takes its time, to put into one state and

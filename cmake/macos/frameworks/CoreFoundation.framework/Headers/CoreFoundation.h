@@ -63,9 +63,12 @@ CFTypeID CFDictionaryGetTypeID(void);
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* keyCallBacks,
                                                  const CFDictionaryValueCallBacks* valueCallBacks);
+CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
+                                                     CFDictionaryRef dictionary);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                   const void** values);
+void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef application);
