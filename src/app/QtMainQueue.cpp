@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QMetaObject>
+#include <QTimer>
 
 #include <utility>
 
@@ -18,6 +19,10 @@ QtMainQueue::QtMainQueue() {
 
 void QtMainQueue::post(std::function<void()> task) {
     if (isOpen_) QMetaObject::invokeMethod(&receiver_, std::move(task), Qt::QueuedConnection);
+}
+
+void QtMainQueue::postAfter(std::chrono::milliseconds delay, std::function<void()> task) {
+    if (isOpen_) QTimer::singleShot(delay, &receiver_, std::move(task));
 }
 
 } // namespace brevane

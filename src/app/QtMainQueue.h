@@ -19,6 +19,7 @@ public:
 
     /// Once the queue is closed, `task` is destroyed on the calling thread.
     void post(std::function<void()> task) override;
+    void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override;
 
     /// Takes no task any more; those that wait are still run. The end of the event loop closes it
     /// too, and drops what waits. Any thread.

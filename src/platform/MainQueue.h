@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <functional>
 
 namespace brevane {
@@ -13,6 +14,10 @@ public:
     /// Runs `task` later on the main thread, never before returning, in the order of posting. Any
     /// thread, the main thread included. After the event loop has ended the task is dropped.
     virtual void post(std::function<void()> task) = 0;
+
+    /// Runs `task` on the main thread once `delay` has passed. Main thread only. After the event
+    /// loop has ended the task does not run.
+    virtual void postAfter(std::chrono::milliseconds delay, std::function<void()> task) = 0;
 };
 
 } // namespace brevane

@@ -87,7 +87,6 @@ void ManagedServers::restoreManagedServersIfNeeded(const std::vector<ServeEntry>
         if (const auto port = proxiedPort(entry); port && isTcpPort(*port))
             referenced_.insert(*port);
     if (!node.empty()) reconcile(node);
-    startMissingServers();
 }
 
 void ManagedServers::reconcile(const std::string& node) {

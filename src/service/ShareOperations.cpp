@@ -30,10 +30,10 @@ void TailscaleService::add(ServeMode mode, SourceType sourceType, const std::str
         const CommandRunner::Result result =
             needsServer ? self->addThroughServer(
                               mode, servedSource(sourceType, source, urlPath, node), background)
-                        : self->runner_.runShellWithCode(
-                              buildAddCommand(self->tailscaleBin_, mode, sourceType, source,
-                                              urlPath, background),
-                              patienceWith(background));
+                        : self->runner_.runShellWithCode(buildAddCommand(self->tailscaleBin_, mode,
+                                                                         sourceType, source,
+                                                                         urlPath, background),
+                                                         patienceWith(background));
         self->mainQueue_.post([self, result, completion] { self->finishAdd(result, completion); });
     });
 }

@@ -6,10 +6,18 @@
 #include "TailscaleStatusJSON.h"
 #include "Text.h"
 
+#include <algorithm>
 #include <future>
 #include <utility>
 
 namespace brevane {
+
+namespace {
+
+constexpr auto firstRetryDelay = std::chrono::seconds(1);
+constexpr auto longestRetryDelay = std::chrono::seconds(30);
+
+} // namespace
 
 std::shared_ptr<TailscaleService> TailscaleService::create(Configuration configuration,
                                                            MainQueue& mainQueue, SerialQueue& queue,
@@ -25,7 +33,7 @@ TailscaleService::TailscaleService(Configuration configuration, MainQueue& mainQ
                                    SerialQueue& queue, Preferences& preferences, ServerPool& pool)
     : tailscaleBin_(configuration.tailscaleBin), mainQueue_(mainQueue), queue_(queue), pool_(pool),
       runner_(std::move(configuration)), record_(preferences),
-      managedServers_(record_, pool, managedServerInfo) {
+      managedServers_(record_, pool, managedServerInfo), retryDelay_(firstRetryDelay) {
     const auto forward = [this](Announcement& willChange) {
         return willChange.subscribe([this] { objectWillChange.announce(); });
     };
@@ -54,7 +62,7 @@ void TailscaleService::loadPersistedManagedServers() {
             const auto self = weak.lock();
             if (!self) return;
             self->managedServers_.loadPersistedManagedServers(found);
-            self->managedServers_.startMissingServers();
+            self->startMissingServers();
         });
     });
     firstRead.wait_for(patience);
@@ -111,6 +119,7 @@ void TailscaleService::parseServeConfig(const std::string& text) {
     }
     entries.set(extractEntries(*config, dnsName.get()));
     managedServers_.restoreManagedServersIfNeeded(entries.get(), runningNode());
+    startMissingServers();
 }
 
 // Empty where the daemon does not run, or nobody knows under which name.
@@ -118,15 +127,40 @@ std::string TailscaleService::runningNode() const {
     return isConnected.get() ? dnsName.get() : std::string();
 }
 
+// A port may be taken for a moment only, by the end of a connection for instance.
+void TailscaleService::startMissingServers() {
+    if (managedServers_.startMissingServers()) {
+        retryDelay_ = firstRetryDelay;
+        return;
+    }
+    if (std::exchange(isRetryPending_, true)) return;
+    mainQueue_.postAfter(retryDelay_, [weak = weak_from_this()] {
+        const auto self = weak.lock();
+        if (!self) return;
+        self->isRetryPending_ = false;
+        self->startMissingServers();
+    });
+    retryDelay_ = std::min(2 * retryDelay_, longestRetryDelay);
+}
+
 void TailscaleService::saveRecord() {
-    record_.save([&main = mainQueue_, weak = weak_from_this()](std::error_code error) {
+    constexpr auto patience = std::chrono::seconds(10);
+    const auto isAnswered = std::make_shared<std::atomic<bool>>(false);
+    record_.save([isAnswered, &main = mainQueue_, weak = weak_from_this()](std::error_code error) {
+        *isAnswered = true;
         if (!error) return;
         main.post([weak, error] {
-            const auto self = weak.lock();
-            if (self && !self->lastError.get())
-                self->lastError.set("Shares could not be saved: " + error.message());
+            if (const auto self = weak.lock()) self->sayUnsaved(error.message());
         });
     });
+    mainQueue_.postAfter(patience, [isAnswered, weak = weak_from_this()] {
+        const auto self = weak.lock();
+        if (self && !*isAnswered) self->sayUnsaved("the disk does not answer");
+    });
+}
+
+void TailscaleService::sayUnsaved(const std::string& reason) {
+    if (!lastError.get()) lastError.set("Shares could not be saved: " + reason);
 }
 
 bool TailscaleService::waitForRecord(std::chrono::milliseconds limit) {

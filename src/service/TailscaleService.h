@@ -97,7 +97,9 @@ private:
     void parseStatus(const std::string& text);
     void parseServeConfig(const std::string& text);
     [[nodiscard]] std::string runningNode() const;
+    void startMissingServers();
     void saveRecord();
+    void sayUnsaved(const std::string& reason);
     void onQueue(std::function<void(const std::shared_ptr<TailscaleService>&)> work);
     /// What a file or folder share serves and under which path.
     struct ServedSource {
@@ -123,6 +125,8 @@ private:
     std::atomic<bool> isInterrupted_ = false;
     ManagedServerRecord record_;
     ManagedServers managedServers_;
+    bool isRetryPending_ = false;
+    std::chrono::seconds retryDelay_; ///< until the next try to start a server that is missing
 };
 
 } // namespace brevane

@@ -9,6 +9,7 @@
 #include <QThread>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -62,6 +63,24 @@ TEST(QtMainQueue, AfterTheEventLoopHasEndedNothingRunsAndNothingIsKept) {
     queue.post([&, late] { ran = true; });
     EXPECT_EQ(waiting.use_count(), 1);
     EXPECT_EQ(late.use_count(), 1);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(ran);
+}
+
+TEST(QtMainQueue, RunsADelayedTaskOnceItsTimeHasCome) {
+    QtMainQueue queue;
+    const auto start = std::chrono::steady_clock::now();
+    queue.postAfter(std::chrono::milliseconds(20), [] { QCoreApplication::exit(); });
+    QCoreApplication::exec();
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(19));
+}
+
+TEST(QtMainQueue, ADelayedTaskEndsWithTheQueue) {
+    bool ran = false;
+    {
+        QtMainQueue queue;
+        queue.postAfter(std::chrono::milliseconds(0), [&] { ran = true; });
+    }
     QCoreApplication::processEvents();
     EXPECT_FALSE(ran);
 }

@@ -6,7 +6,10 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <boost/json.hpp>
 
+#include <chrono>
 #include <filesystem>
+#include <latch>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -453,6 +456,131 @@ TEST_F(RecordTest, APipeInTheFilesPlaceIsNotWaitedFor) {
     service->refresh();
     EXPECT_TRUE(mainQueue.runUntil([&] { return service->lastError->has_value(); }));
     EXPECT_EQ(*service->lastError, "Shares could not be saved: Operation not supported");
+}
+
+TEST_F(RecordTest, APortOfAnotherAccountsIsNotGivenToANewShare) {
+    fileHoldsFolder(49231, "a.ts.net");
+    ManagedServerRecord record(stored);
+    const ManagedServerRecord::Entry other{.info = {.path = "/new", .isDirectory = true},
+                                           .node = "b.ts.net"};
+    EXPECT_FALSE(record.claim(49231, other, std::chrono::minutes(1)));
+    EXPECT_TRUE(record.claim(49232, other, std::chrono::minutes(1)));
+    EXPECT_EQ(nodeOf(49231), "a.ts.net");
+    EXPECT_EQ(nodeOf(49232), "b.ts.net");
+}
+
+/// Preferences on a disk that answers when it is told to.
+class HungPreferences final : public Preferences {
+public:
+    [[nodiscard]] std::expected<Dictionary, std::error_code>
+    dictionary(const std::string& key) const override {
+        answers.wait();
+        return disk.dictionary(key);
+    }
+    [[nodiscard]] std::error_code
+    update(const std::map<std::string, Changes>& dictionaries) override {
+        answers.wait();
+        return disk.update(dictionaries);
+    }
+
+    MemoryPreferences disk;
+    std::latch answers{1};
+};
+
+class HungDisk : public RecordTest {
+protected:
+    ~HungDisk() override {
+        if (!answered) answer();
+        if (service) service->interruptCommands();
+        service.reset();
+        queue.reset();
+    }
+    void startOnHungDisk() {
+        service = TailscaleService::create({binary().string(), shell, searchPath}, mainQueue,
+                                           *queue, hung, pool);
+    }
+    void answer() {
+        hung.answers.count_down();
+        answered = true;
+    }
+
+    HungPreferences hung;
+    bool answered = false;
+};
+
+TEST_F(HungDisk, HoldsUpNeitherTheStartNorARefreshAndIsSaid) {
+    startOnHungDisk();
+    refresh();
+    EXPECT_TRUE(*service->isConnected);
+    EXPECT_TRUE(mainQueue.runDelayed(std::chrono::seconds(10)));
+    EXPECT_EQ(*service->lastError, "Shares could not be saved: the disk does not answer");
+}
+
+TEST_F(HungDisk, TheRecordIsTakenInAndServedOnceItAnswers) {
+    const auto port = freePort();
+    EXPECT_FALSE(hung.disk.update(
+        {{ManagedServerRecord::managedServersKey,
+          {{std::to_string(port),
+            Preferences::Record{{"path", folder.path.string()}, {"type", "directory"}}}}}}));
+    servePrintsProxyTo(port);
+    startOnHungDisk();
+    refresh();
+    EXPECT_TRUE(service->managedServerInfo->empty());
+    answer();
+    EXPECT_TRUE(mainQueue.runUntil([&] { return service->managedServerInfo->contains(port); }));
+    EXPECT_NE(fetch(port, "/"), "");
+}
+
+TEST_F(HungDisk, HoldsUpNoStopAndNoReset) {
+    startOnHungDisk();
+    service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:49231"), completion());
+    EXPECT_TRUE(waitForOutcome().success);
+    runReset();
+    finishRefresh();
+}
+
+TEST_F(HungDisk, QuittingWaitsForWhatIsToBeWritten) {
+    startOnHungDisk();
+    service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:49231"), completion());
+    EXPECT_TRUE(waitForOutcome().success);
+    answer();
+    quit();
+    EXPECT_EQ(hung.disk.writes, 1);
+}
+
+TEST_F(RecordTest, ATakenPortIsTriedAgainByItselfAtGrowingIntervals) {
+    using boost::asio::ip::tcp;
+    using namespace std::chrono_literals;
+    boost::asio::io_context context;
+    auto taken = std::make_optional<tcp::acceptor>(context, tcp::endpoint(tcp::v4(), 0));
+    const std::int64_t port = taken->local_endpoint().port();
+    fileHoldsFolder(port);
+    servePrintsProxyTo(port);
+    startOnFile();
+    refresh();
+    for (const auto delay : {1s, 2s, 4s, 8s, 16s, 30s, 30s})
+        EXPECT_TRUE(mainQueue.runDelayed(delay)) << delay.count();
+    EXPECT_FALSE(mainQueue.runDelayed(1s));
+    taken.reset();
+    EXPECT_TRUE(mainQueue.runDelayed(30s));
+    EXPECT_NE(fetch(port, "/"), "");
+    EXPECT_FALSE(mainQueue.runDelayed(30s));
+}
+
+TEST_F(RecordTest, APortThatIsNoLongerProxiedToIsNotTriedAgain) {
+    using boost::asio::ip::tcp;
+    using namespace std::chrono_literals;
+    boost::asio::io_context context;
+    const tcp::acceptor taken(context, tcp::endpoint(tcp::v4(), 0));
+    const std::int64_t port = taken.local_endpoint().port();
+    fileHoldsFolder(port);
+    servePrintsProxyTo(port);
+    startOnFile();
+    refresh();
+    servePrints("{}");
+    refresh();
+    EXPECT_TRUE(mainQueue.runDelayed(1s));
+    EXPECT_FALSE(mainQueue.runDelayed(2s));
 }
 
 } // namespace

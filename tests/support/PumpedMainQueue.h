@@ -7,10 +7,12 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/post.hpp>
 
+#include <algorithm>
 #include <chrono>
 #include <functional>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace brevane::test {
 
@@ -19,6 +21,21 @@ class PumpedMainQueue final : public MainQueue {
 public:
     void post(std::function<void()> task) override {
         boost::asio::post(loop->context, std::move(task));
+    }
+
+    /// Keeps the task: time passes here only by `runDelayed`.
+    void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override {
+        delayed.emplace_back(delay, std::move(task));
+    }
+
+    /// Runs the oldest task that was posted with this delay. False if there is none.
+    bool runDelayed(std::chrono::milliseconds delay) {
+        const auto found = std::ranges::find(delayed, delay, &Delayed::first);
+        if (found == delayed.end()) return false;
+        const auto task = std::move(found->second);
+        delayed.erase(found);
+        task();
+        return true;
     }
 
     /// Waits for the next task and runs it. False if none comes, which only a hanging test sees.
@@ -38,12 +55,14 @@ public:
     }
 
 private:
+    using Delayed = std::pair<std::chrono::milliseconds, std::function<void()>>;
     struct Loop {
         boost::asio::io_context context;
         boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{
             context.get_executor()};
     };
     std::unique_ptr<Loop> loop = std::make_unique<Loop>();
+    std::vector<Delayed> delayed;
 };
 
 } // namespace brevane::test
