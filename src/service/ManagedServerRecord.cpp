@@ -109,7 +109,8 @@ std::error_code ManagedServerRecord::readAgain() {
     const auto nodes = preferences_.dictionary(managedServerNodesKey);
     if (!nodes) return nodes.error();
 
-    isRead_ = true;
+    // The folder of one that is not there may be mounted later.
+    isRead_ = !servers->empty();
     Entries found;
     for (const auto& [name, entry] : *servers) {
         const auto port = parsePort(name);
@@ -123,7 +124,7 @@ std::error_code ManagedServerRecord::readAgain() {
         found.insert_or_assign(*port, Entry{.info = *info, .node = nodeUnder(name, *nodes)});
     }
     entries_.insert(found.begin(), found.end());
-    if (then_) then_(found);
+    if (then_ && (!std::exchange(hasAnswered_, true) || !found.empty())) then_(found);
     return {};
 }
 
@@ -147,6 +148,7 @@ std::error_code ManagedServerRecord::write() {
     const std::error_code error = preferences_.update(
         {{managedServersKey, std::move(servers)}, {managedServerNodesKey, std::move(nodes)}});
     if (error) return error;
+    isRead_ = true;
     isWritten_ = true;
     obsolete_.clear();
     return {};

@@ -75,6 +75,7 @@ private:
     // What follows is used on the thread only.
     std::function<void(const Entries&)> then_;
     bool isRead_ = false;
+    bool hasAnswered_ = false; ///< `then_` has been called
     bool isWritten_ = true;
     Entries entries_;
     std::set<std::string> obsolete_; ///< the names of entries to be taken out of the preferences

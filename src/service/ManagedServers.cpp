@@ -28,7 +28,6 @@ ManagedServers::~ManagedServers() {
 }
 
 void ManagedServers::loadPersistedManagedServers(const ManagedServerRecord::Entries& recorded) {
-    if (std::exchange(isLoaded_, true)) return;
     InfoMap infos = managedServerInfo_.get();
     for (const auto& [port, entry] : recorded)
         if (infos.emplace(port, entry.info).second) nodes_[port] = entry.node;

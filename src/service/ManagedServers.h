@@ -29,7 +29,7 @@ public:
     ManagedServers(const ManagedServers&) = delete;
     ManagedServers& operator=(const ManagedServers&) = delete;
 
-    /// Takes in what the record holds. Only the first call counts. Starts no server.
+    /// Takes in what the record holds, save for ports that are managed already. Starts no server.
     void loadPersistedManagedServers(const ManagedServerRecord::Entries& recorded);
 
     /// Takes in a server whose share has just been made, and which is in the record already.
@@ -71,7 +71,6 @@ private:
     Published<InfoMap>& managedServerInfo_;
     std::map<std::int64_t, std::shared_ptr<FileHTTPServer>> httpServers_;
     std::map<std::int64_t, std::string> nodes_; ///< the node of each managed port, if it is known
-    bool isLoaded_ = false;
     std::set<std::int64_t> referenced_;  ///< the ports that proxies led to at the last restore
     std::set<std::int64_t> unconfirmed_; ///< made under a node that no refresh has shown since
     /// Forgotten since the last restore that knew the node: it may not have been the one that all

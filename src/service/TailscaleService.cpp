@@ -48,16 +48,18 @@ TailscaleService::~TailscaleService() = default;
 
 void TailscaleService::loadPersistedManagedServers() {
     constexpr auto patience = std::chrono::milliseconds(200);
-    struct Recorded {
-        std::promise<ManagedServerRecord::Entries> read;
-        std::atomic<bool> isLate = false;
+    struct First {
+        std::promise<ManagedServerRecord::Entries> recorded;
+        std::atomic_flag isOver; // whoever finds it clear answers for what is read first
     };
-    const auto recorded = std::make_shared<Recorded>();
-    auto firstRead = recorded->read.get_future();
-    record_.read([recorded, &main = mainQueue_,
-                  weak = weak_from_this()](const ManagedServerRecord::Entries& found) {
-        recorded->read.set_value(found);
-        if (!recorded->isLate) return;
+    const auto first = std::make_shared<First>();
+    auto recorded = first->recorded.get_future();
+    record_.read([first, isFirst = true, &main = mainQueue_,
+                  weak = weak_from_this()](const ManagedServerRecord::Entries& found) mutable {
+        if (std::exchange(isFirst, false) && !first->isOver.test_and_set()) {
+            first->recorded.set_value(found);
+            return;
+        }
         main.post([weak, found] {
             const auto self = weak.lock();
             if (!self) return;
@@ -65,11 +67,8 @@ void TailscaleService::loadPersistedManagedServers() {
             self->startMissingServers();
         });
     });
-    firstRead.wait_for(patience);
-    // Said before looking once more, so that one of the two threads sees what the other has done.
-    recorded->isLate = true;
-    if (firstRead.wait_for(patience.zero()) == std::future_status::ready)
-        managedServers_.loadPersistedManagedServers(firstRead.get());
+    if (recorded.wait_for(patience) == std::future_status::ready || first->isOver.test_and_set())
+        managedServers_.loadPersistedManagedServers(recorded.get());
 }
 
 void TailscaleService::refresh() {

@@ -34,7 +34,7 @@ TEST_F(ManagedServersTest, ARecordedFolderIsServedOnItsOldPortAfterTheFirstRefre
     EXPECT_EQ(fetch(port, "/a.txt"), "");
     refresh();
     EXPECT_EQ(fetch(port, "/a.txt"), "content");
-    const int writes = preferences.writes; // the node's name may have been added
+    const int writes = this->writes(); // the node's name may have been added
     refresh();
     EXPECT_EQ(this->writes(), writes);
 }

@@ -291,7 +291,20 @@ TEST_F(RecordTest, ARecordThatCouldNotBeReadIsReadAgainAtTheNextRefreshAndServed
     servePrintsProxyTo(port);
     startOnFile();
     refresh();
+    EXPECT_TRUE(service->waitForRecord(std::chrono::minutes(1)));
     fs::remove(file);
+    fileHoldsFolder(port);
+    service->refresh();
+    EXPECT_TRUE(mainQueue.runUntil([&] { return service->managedServerInfo->contains(port); }));
+    EXPECT_NE(fetch(port, "/"), "");
+}
+
+TEST_F(RecordTest, ARecordWhoseFolderIsMountedLaterIsTakenIn) {
+    const auto port = freePort();
+    servePrintsProxyTo(port);
+    startOnFile();
+    refresh();
+    EXPECT_TRUE(service->waitForRecord(std::chrono::minutes(1)));
     fileHoldsFolder(port);
     service->refresh();
     EXPECT_TRUE(mainQueue.runUntil([&] { return service->managedServerInfo->contains(port); }));
