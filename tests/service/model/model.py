@@ -262,6 +262,11 @@ class Model:
         for name, other in self.accounts.items():
             for port, path in other.ports.items():
                 expected[port] = ({"path": path, "type": "directory" if "mark.txt" not in path else "file"}, name)
+        # What went away just before a switch may be kept for its account, unserved: nobody could tell
+        # which account's daemon had been asked.
+        for port in [port for port in recorded if port not in expected and nodes.get(port) != self.node]:
+            assert self.fetch(port) is None, f"port {port} is served for nobody"
+            del recorded[port], state["managed"][port]
         assert {port: (entry, nodes.get(port)) for port, entry in recorded.items()} == expected, \
             f"the record: {recorded} {nodes}, expected {expected}"
         assert state["managed"] == {port: entry["path"] for port, (entry, _) in expected.items()}, "what is managed"
