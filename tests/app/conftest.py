@@ -63,6 +63,10 @@ def user(pytestconfig, desktop, tmp_path):
 @pytest.fixture
 def served(user):
     """A shared folder of the last run with a large file in it. Gives its port."""
+    return record_share(user)
+
+
+def record_share(user):
     port = free_port()
     folder = user.folder / "shared"
     folder.mkdir()

@@ -12,7 +12,8 @@ namespace brevane {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// The text with each line break or tab shown as a blank, for where there is one line only.
+/// The text with each line break or tab shown as a blank, for where there is one line only. Of one
+/// that is longer than any window is wide, beginning and end.
 [[nodiscard]] QString onOneLine(QString text);
 
 /// A tooltip that shows the text as it is: Qt would take one that looks like HTML for HTML.
