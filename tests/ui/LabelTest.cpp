@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Label.h"
 
+#include "QtText.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -45,6 +47,13 @@ TEST_F(WrappedLabel, HasTheHeightOfANewFont) {
     label.setFont(larger);
     EXPECT_GT(label.heightForWidth(100), before);
     EXPECT_EQ(label.heightForWidth(100), freshHeight(words, 100));
+}
+
+TEST(OnOneLine, ShowsBeginningAndEndOfATextLongerThanAnyWindow) {
+    const QString shown = onOneLine("begin\n" + QString(1'000'000, 'x') + "\nend");
+    EXPECT_LT(shown.size(), 5000);
+    EXPECT_TRUE(shown.startsWith("begin x"));
+    EXPECT_TRUE(shown.endsWith("x end"));
 }
 
 } // namespace
