@@ -232,6 +232,7 @@ class Model:
     def fill_disk(self):
         """The record cannot be written for one operation."""
         obstacle = pathlib.Path(str(self.preferences) + ".new")
+        obstacle.unlink(missing_ok=True)  # a writer that was killed leaves its own behind
         (obstacle / "full").mkdir(parents=True)
         self.random.choice([self.add, self.stop, self.reset])()
         shutil.rmtree(obstacle)
