@@ -26,8 +26,7 @@ from portal import Portal  # noqa: E402
 from screen import Screen  # noqa: E402
 
 # The event loop has hung if it does not answer for this long, under a sanitizer and on a busy machine.
-PATIENCE = 30
-SETTLED = 15
+PATIENCE = 60
 
 # Keys of the window manager would take the windows away.
 WINDOW_MANAGER = """<?xml version="1.0"?><openbox_config xmlns="http://openbox.org/3.4/rc">
@@ -116,7 +115,7 @@ class Monkey:
         began = time.monotonic()
         while self.child.poll() is None:
             windows = self.screen.windows(self.child.pid)
-            if windows and self.screen.ping(windows[0], SETTLED / 10):
+            if windows and self.screen.ping(windows[0], 2):
                 self.slowest = max(self.slowest, time.monotonic() - began)
                 return True
             if time.monotonic() - began > PATIENCE:

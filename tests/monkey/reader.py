@@ -38,6 +38,8 @@ class Reader:
         questions = [
             element.get_name, element.get_role_name, element.get_description, element.get_state_set, element.get_attributes,
             element.get_relation_set, element.get_index_in_parent, element.get_parent,
+            # One that has gone since the children were counted.
+            lambda: element.get_child_at_index(quietly(element.get_child_count) or 0),
         ]  # fmt: skip
         # Qt does not survive being asked for an interface that an element has not.
         for interface in quietly(element.get_interfaces) or ():
