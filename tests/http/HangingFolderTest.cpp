@@ -2,6 +2,11 @@
 #include "Gate.h"
 #include "WireTest.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <memory>
 #include <vector>
 
@@ -93,6 +98,65 @@ TEST_F(HangingFolder, DoesNotKeepThePoolFromEnding) {
     // The thread that hung ends by itself.
     gate.open();
     client.receiveAll();
+}
+
+// A file that is not in the kernel's cache, so that its bytes have to be read.
+class UncachedFile : public HangingFolder {
+protected:
+    UncachedFile() {
+        writeFile(path_, std::string(size, 'l'));
+        const Descriptor file(::open(path_.c_str(), O_RDONLY | O_CLOEXEC));
+        ::fsync(file.get());
+        ::posix_fadvise(file.get(), 0, 0, POSIX_FADV_DONTNEED);
+    }
+
+    static constexpr std::size_t size = 32 << 20;
+    const std::filesystem::path path_ = root / "large.txt";
+};
+
+TEST_F(UncachedFile, ThatCannotBeReadIsForbiddenToHeadAsToGet) {
+    for (const std::string_view method : {"HEAD", "GET"}) {
+        Gate gate(path_, Gate::Held::readings);
+        Client client(server.port);
+        client.send(std::string(method) + " /large.txt HTTP/1.1\r\n\r\n");
+        gate.waitForOne();
+        while (gate.letHeldGoOn(true) == 0) {
+        }
+        EXPECT_EQ(client.receiveAll(), forbidden);
+    }
+}
+
+TEST_F(UncachedFile, IsReadNoFurtherForAClientThatHasGone) {
+    Gate gate(path_, Gate::Held::readings);
+    {
+        Client client(server.port);
+        client.send("GET /large.txt HTTP/1.1\r\n\r\n");
+        gate.waitForOne();
+        const linger reset{.l_onoff = 1, .l_linger = 0};
+        ::setsockopt(client.descriptor(), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+    }
+    // Each reading is of 256 kB, and four of them lie between two looks at the client.
+    std::size_t readings = gate.letHeldGoOn();
+    pollfd none{.fd = -1, .events = 0, .revents = 0};
+    while (::poll(&none, 1, 200) == 0) {
+        const std::size_t more = gate.letHeldGoOn();
+        if (more == 0) break;
+        readings += more;
+    }
+    EXPECT_LE(readings, 4U);
+    gate.open();
+    EXPECT_EQ(get("/a.txt"), textFileAnswer("a"));
+}
+
+TEST_F(UncachedFile, ThatHangsStopsNoOther) {
+    writeFile(root / "other.txt", std::string(size, 'o'));
+    Gate gate(path_, Gate::Held::readings);
+    auto clients = clientsThatAsk("/large.txt", 7);
+    gate.waitForOne();
+    EXPECT_TRUE(get("/other.txt") == textFileAnswer(std::string(size, 'o')));
+    gate.open();
+    for (Client& client : clients)
+        EXPECT_TRUE(client.receiveAll() == textFileAnswer(std::string(size, 'l')));
 }
 
 } // namespace

@@ -40,6 +40,21 @@ TEST_F(LargeFiles, ThatAreCutShortWhileTheyAreSentEndTheirResponseEarlyAndNothin
     EXPECT_EQ(get("/large.txt"), textFileAnswer(""));
 }
 
+TEST_F(LargeFiles, ThatLoseTheirEndWhileTheyAreSentHoldNoByteThatWasNotThere) {
+    const std::string answer =
+        answerDuring([&] { fs::resize_file(root / "large.txt", fileSize - 100); });
+    EXPECT_LT(answer.size(), whole.size());
+    EXPECT_TRUE(whole.starts_with(answer));
+}
+
+TEST_F(LargeFiles, ThatAreWrittenAnewWhileTheyAreSentHoldNoByteThatWasNotThere) {
+    const std::string answer =
+        answerDuring([&] { writeFile(root / "large.txt", std::string(fileSize, 'n')); });
+    const std::size_t begin = whole.find('l', whole.find("\r\n\r\n"));
+    EXPECT_EQ(answer.find_first_not_of("ln", begin), answer.npos);
+    EXPECT_LE(answer.size(), whole.size());
+}
+
 TEST_F(LargeFiles, ThatGrowWhileTheyAreSentAreSentAsLongAsTheLengthSays) {
     const std::string answer = answerDuring(
         [&] { std::ofstream(root / "large.txt", std::ios::app) << std::string(1000000, 'g'); });

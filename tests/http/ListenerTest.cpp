@@ -2,10 +2,12 @@
 #include "WireTest.h"
 
 #ifdef __linux__
+#include <fcntl.h>
 #include <net/if.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #endif
 
 #include <filesystem>
@@ -110,6 +112,18 @@ int listeningSocket(std::int64_t port) {
             return number;
     }
     return -1;
+}
+
+TEST_F(Listener, ChildProcessesGetNeitherItNorItsConnections) {
+    Client client(server.port);
+    client.send("GET / HTTP/1.1\r\n");
+    ASSERT_TRUE(answers(server.port, Family::ipv4)); // So the connection before has been accepted.
+    for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        const int number = std::stoi(entry.path().filename().string());
+        struct stat found {};
+        if (::fstat(number, &found) != 0 || !S_ISSOCK(found.st_mode)) continue;
+        EXPECT_NE(::fcntl(number, F_GETFD) & FD_CLOEXEC, 0) << number;
+    }
 }
 
 TEST_F(Listener, AListenerThatFailsClearsIsRunning) {
