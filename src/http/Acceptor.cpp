@@ -2,6 +2,9 @@
 #include "Acceptor.h"
 
 #include "Connection.h"
+#ifdef __APPLE__
+#include "LoopbackPort.h"
+#endif
 #include "SystemError.h"
 #include "TcpListener.h"
 
@@ -81,6 +84,11 @@ Acceptor::Acceptor(const std::shared_ptr<const ServedFolder>& folder, std::atomi
       pauseTimer_(threads_.handlers()) {}
 
 std::error_code Acceptor::listen(std::uint16_t port) {
+#ifdef __APPLE__
+    const auto free = loopbackPort(port);
+    if (!free) return free.error();
+    port = *free;
+#endif
     const MutexLock lock(mutex_);
     std::error_code error = listenOn({tcp::v6(), port});
     if (error == std::errc::address_family_not_supported ||

@@ -19,7 +19,7 @@ public:
     GroupGuard& operator=(const GroupGuard&) = delete;
 
 private:
-    pid_t process_ = -1;
+    [[maybe_unused]] pid_t process_ = -1; ///< on Linux alone
 };
 
 } // namespace brevane

@@ -19,6 +19,12 @@ namespace brevane::test {
 
 enum class Family { ipv4, ipv6 };
 
+#ifdef __linux__
+constexpr int streamSocket = SOCK_STREAM | SOCK_CLOEXEC;
+#else
+constexpr int streamSocket = SOCK_STREAM; // Children inherit nothing that they are not given.
+#endif
+
 /// A connection to a local port, on blocking calls; every failure to connect throws.
 class Client {
 public:
@@ -26,8 +32,7 @@ public:
     /// is sent to it and with that how much the server's system takes; the system's rule where 0.
     explicit Client(std::int64_t port, Family family = Family::ipv4, int receiveBuffer = 0,
                     int segment = 0)
-        : socket(::socket(family == Family::ipv4 ? AF_INET : AF_INET6, SOCK_STREAM | SOCK_CLOEXEC,
-                          0)) {
+        : socket(::socket(family == Family::ipv4 ? AF_INET : AF_INET6, streamSocket, 0)) {
         const int on = 1;
         ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
         if (receiveBuffer > 0)

@@ -58,7 +58,7 @@ TEST_F(ContentViewTest, WithoutEntriesTheEmptyStateStandsInThePlaceOfTheList) {
 }
 
 TEST_F(ContentViewTest, RefreshReadsStatusAndShares) {
-    press("Refresh (Ctrl+R)");
+    press(refreshButton);
     ASSERT_TRUE(until([&] { return service->isConnected.get(); }));
     EXPECT_EQ(commands(), (std::vector<std::string>{"status --json", "serve status --json"}));
     EXPECT_TRUE(shows("h.tail.ts.net \u00b7 100.64.0.1"));

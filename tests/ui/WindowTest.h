@@ -26,6 +26,13 @@
 
 namespace brevane::test {
 
+// The name of the button, which says its keys as the platform writes them.
+#ifdef __APPLE__
+constexpr auto refreshButton = "Refresh (⌘R)";
+#else
+constexpr auto refreshButton = "Refresh (Ctrl+R)";
+#endif
+
 /// The window's content on a service whose tailscale is a script, run by the real shell.
 class WindowTest : public ServiceTest {
 protected:
