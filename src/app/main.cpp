@@ -10,6 +10,7 @@
 #include "QtMainQueue.h"
 #include "QuitWatch.h"
 #include "SerialQueue.h"
+#include "TailscaleService.h"
 #include "Theme.h"
 #include "UserAccount.h"
 
@@ -21,6 +22,7 @@
 
 #include <QApplication>
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -37,7 +39,7 @@ using namespace brevane;
 /// A window takes 30. Libraries that get none write of it what they like.
 constexpr std::size_t neededDescriptors = 64;
 
-/// Ends commands under way and waits for that. Set while there may be some.
+/// Ends commands under way and waits for that and for the record. Set while there may be some.
 std::function<void()> endCommands;
 
 int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaunched) {
@@ -64,6 +66,7 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
         quitWatch.request(EXIT_FAILURE);
         delegate.interruptCommands();
         queue.reset();
+        if (delegate.service) delegate.service->waitForRecord(std::chrono::seconds(2));
     };
     std::atexit([] {
         if (!endCommands) return;

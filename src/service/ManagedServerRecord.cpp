@@ -98,7 +98,10 @@ void ManagedServerRecord::save(std::function<void(std::error_code)> then) {
 
 bool ManagedServerRecord::wait(std::chrono::milliseconds limit) {
     const auto done = std::make_shared<std::promise<void>>();
-    thread_.post([done] { done->set_value(); });
+    thread_.post([this, done] {
+        write();
+        done->set_value();
+    });
     return done->get_future().wait_for(limit) == std::future_status::ready;
 }
 

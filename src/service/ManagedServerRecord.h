@@ -63,8 +63,8 @@ public:
     /// error of reading or writing, if there is one still.
     void save(std::function<void(std::error_code)> then);
 
-    /// Waits until all that was asked for has been done or has failed, but no longer than `limit`.
-    /// Returns whether it was.
+    /// Writes what is still to be written, and waits until that and all that was asked for before
+    /// has been done or has failed, but no longer than `limit`. Returns whether it was.
     bool wait(std::chrono::milliseconds limit);
 
 private:
