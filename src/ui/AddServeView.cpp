@@ -17,6 +17,7 @@
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QKeyEvent>
+#include <QLayout>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
@@ -73,6 +74,10 @@ void AddServeView::focusSource() {
     source->setFocus();
 }
 
+void AddServeView::giveWay(bool on) {
+    layout()->setContentsMargins(0, 0, 0, Theme::formPadding - (on ? givesWay : 0));
+}
+
 void AddServeView::pickPath() {
     const bool forFolder = draft.sourceType == SourceType::directory;
     auto* panel = new QFileDialog(this);
@@ -125,8 +130,10 @@ void AddServeView::redraw() {
     source->setPlaceholderText(toQString(texts.placeholder));
     browse->setVisible(hasPath);
     sourceHint->setPlainText(toQString(texts.hint));
+    source->setAccessibleDescription(sourceHint->text());
     pathSection->setVisible(draft.sourceType != SourceType::tcpForward);
     urlPathHint->setPlainText(toQString(brevane::urlPathHint(draft.sourceType)));
+    urlPath->setAccessibleDescription(urlPathHint->text());
 
     previewSection->setVisible(!draft.source.empty());
     if (!draft.source.empty())

@@ -33,6 +33,10 @@ public:
     /// Whether new shares are serves or funnels, which is chosen elsewhere.
     void setMode(ServeMode mode);
 
+    /// Gives up part of the padding under the start button.
+    void giveWay(bool on);
+    static constexpr int givesWay = 12; ///< how much of it
+
     /// Gives the keyboard to the field that a share begins with.
     void focusSource();
 

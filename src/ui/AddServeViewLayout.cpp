@@ -8,6 +8,7 @@
 #include "PopUp.h"
 #include "PushButton.h"
 #include "QtText.h"
+#include "ScrollPadding.h"
 #include "SelectableText.h"
 #include "SymbolView.h"
 
@@ -57,7 +58,7 @@ void AddServeView::makeControls() {
     background = new QCheckBox(tr("Run in background"));
     background->setChecked(draft.background);
     preview = new SelectableText(tr("Preview"), TextStyle::code, &Colors::text, 6);
-    errorText = new SelectableText(tr("Error"), TextStyle::caption, &Colors::orange, 12);
+    errorText = new SelectableText(tr("Error"), TextStyle::caption, &Colors::orangeText, 12);
     startButton = new PushButton(PushButton::Kind::prominent);
 }
 
@@ -111,7 +112,7 @@ QWidget* AddServeView::makePreview() {
 
 QWidget* AddServeView::makeErrorRow() {
     auto* row = new QWidget;
-    setAccessibleRole(*row, QAccessible::AlertMessage);
+    setAccessibleRole(*row, QAccessible::Notification);
     auto* line = new QHBoxLayout(row);
     line->setContentsMargins(0, 0, 0, 0);
     line->setSpacing(6);
@@ -150,19 +151,14 @@ void AddServeView::layOut() {
     scroll->setFocusPolicy(Qt::NoFocus);
     scroll->setWidget(content);
     content->setAutoFillBackground(false);
-    // The bar takes its place out of the padding, so that fields are as wide with it as without.
-    auto* bar = scroll->verticalScrollBar();
+    keepScrollBarInPadding(*scroll, *form, Theme::formPadding);
     auto* edge = Surface::makeDivider();
     QSizePolicy keepsItsPlace = edge->sizePolicy();
     keepsItsPlace.setRetainSizeWhenHidden(true);
     edge->setSizePolicy(keepsItsPlace);
     edge->hide();
-    connect(bar, &QScrollBar::rangeChanged, form, [form, bar, edge](int, int maximum) {
-        edge->setVisible(maximum > 0);
-        QMargins margins = form->contentsMargins();
-        margins.setRight(Theme::formPadding - (maximum > 0 ? bar->sizeHint().width() : 0));
-        form->setContentsMargins(margins);
-    });
+    connect(scroll->verticalScrollBar(), &QScrollBar::rangeChanged, edge,
+            [edge](int, int maximum) { edge->setVisible(maximum > 0); });
     scroll->viewport()->setAutoFillBackground(false);
 
     auto* column = new QVBoxLayout(this);

@@ -1,67 +1,80 @@
 // SPDX-License-Identifier: MIT
 #include "ConfirmationDialog.h"
 
-#include "Label.h"
-#include "PushButton.h"
-#include "SymbolView.h"
+#include "Accessibility.h"
+#include "MenuDrawing.h"
+#include "Symbol.h"
+#include "Theme.h"
 
-#include <QHBoxLayout>
-#include <QPainter>
-#include <QVBoxLayout>
+#include <QAction>
+#include <QLabel>
+#include <QLayout>
+#include <QMainWindow>
+#include <QMenu>
+#include <QPushButton>
+
+#include <utility>
 
 namespace brevane {
 
-ConfirmationDialog::ConfirmationDialog(const QString& title, const QString& message,
-                                       const QString& destructiveLabel, QWidget* parent)
-    : QDialog(parent) {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowModality(Qt::WindowModal);
-    setWindowTitle(QStringLiteral("Brevane"));
-    setAccessibleName(title);
-    setAccessibleDescription(message);
+namespace {
 
-    auto* heading = new Label(TextStyle::headline, &Colors::text, title);
-    auto* explanation = new Label(TextStyle::body, &Colors::secondary, message);
-    for (auto* label : {heading, explanation})
-        label->setWordWrap(true);
-    auto* cancel = new PushButton(PushButton::Kind::plain, tr("Cancel"));
-    auto* destroy = new PushButton(PushButton::Kind::prominent, destructiveLabel);
-    destroy->setTint(&Colors::redFill);
-    connect(cancel, &PushButton::clicked, this, &QDialog::reject);
-    connect(destroy, &PushButton::clicked, this, &QDialog::accept);
-    for (auto* button : {cancel, destroy}) {
-        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-        button->setFixedHeight(theme().scaled(30));
-        button->setMinimumWidth(theme().scaled(84));
+void applyTheme(QMessageBox& box) {
+    const int side = theme().symbolSize(24);
+    box.setIconPixmap(symbolPixmap(QStringLiteral("exclamationmark.triangle.fill"),
+                                   theme().color(&Colors::orange), side, box.devicePixelRatioF()));
+    box.layout()->setContentsMargins(20, 20, 20, 16);
+    if (auto* title = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label")))
+        title->setFont(theme().font(TextStyle::headline));
+    if (auto* message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+        message->setFont(theme().font(TextStyle::body));
+        message->setMinimumWidth(theme().scaled(310));
+        QPalette palette = message->palette();
+        palette.setColor(QPalette::WindowText, theme().color(&Colors::secondary));
+        message->setPalette(palette);
     }
-
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(6);
-    texts->addWidget(heading);
-    texts->addWidget(explanation);
-    auto* question = new QHBoxLayout;
-    question->setSpacing(14);
-    question->addWidget(
-        new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), &Colors::orange, 24), 0,
-        Qt::AlignTop);
-    question->addLayout(texts, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(Theme::near);
-    buttons->addStretch();
-    buttons->addWidget(cancel);
-    buttons->addWidget(destroy);
-    auto* column = new QVBoxLayout(this);
-    column->setContentsMargins(20, 20, 20, 16);
-    column->setSpacing(18);
-    column->addLayout(question);
-    column->addLayout(buttons);
-    column->setSizeConstraint(QLayout::SetFixedSize);
-    explanation->setFixedWidth(theme().scaled(300));
-    cancel->setFocus(Qt::OtherFocusReason);
 }
 
-void ConfirmationDialog::paintEvent(QPaintEvent*) {
-    QPainter(this).fillRect(rect(), theme().color(&Colors::popup));
+// A window that is blocked by a question takes no keys; the question takes them in its place.
+void takeMenuKeys(QMessageBox& box) {
+    const auto* window = qobject_cast<const QMainWindow*>(box.parentWidget());
+    const auto* bar = window ? window->menuWidget() : nullptr;
+    if (bar == nullptr) return;
+    for (const auto* menu : bar->findChildren<QMenu*>())
+        for (QAction* item : menu->actions())
+            if (!item->shortcut().isEmpty()) box.addAction(item);
+}
+
+} // namespace
+
+QMessageBox* openConfirmation(const QString& title, const QString& message,
+                              const QString& destructiveLabel, QWidget* parent,
+                              std::function<void()> destroy) {
+    auto* box = new QMessageBox(parent);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    // Qt would make it an alert, which is what errors are.
+    setAccessibleRole(*box, QAccessible::Dialog);
+    box->setAccessibleName(title);
+    box->setAccessibleDescription(message);
+    box->setWindowTitle(QStringLiteral("Brevane"));
+    box->setTextFormat(Qt::PlainText);
+    box->setText(title);
+    box->setInformativeText(message);
+    QPushButton* cancel = box->addButton(QMessageBox::tr("Cancel"), QMessageBox::RejectRole);
+    QPushButton* destructive = box->addButton(destructiveLabel, QMessageBox::DestructiveRole);
+    setDestructive(*destructive);
+    box->setDefaultButton(cancel);
+    box->setEscapeButton(cancel);
+    applyTheme(*box);
+    QObject::connect(&theme(), &Theme::changed, box, [box] { applyTheme(*box); });
+    QObject::connect(box, &QMessageBox::buttonClicked, box,
+                     [destructive, destroy = std::move(destroy)](const QAbstractButton* pressed) {
+                         if (pressed == destructive) destroy();
+                     });
+    takeMenuKeys(*box);
+    box->setWindowModality(Qt::WindowModal);
+    box->open();
+    return box;
 }
 
 } // namespace brevane

@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDialog>
+#include <QMessageBox>
+
+#include <functional>
 
 namespace brevane {
 
-/// Asks before something is destroyed. Opened with `open()`: it takes no event loop of its own,
-/// blocks its window alone, and deletes itself when it has been answered. Escape, Return and
-/// closing it all cancel.
-class ConfirmationDialog : public QDialog {
-    Q_OBJECT
-public:
-    /// `destructiveLabel` names the button on which the dialog is accepted.
-    ConfirmationDialog(const QString& title, const QString& message,
-                       const QString& destructiveLabel, QWidget* parent);
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-};
+/// Asks before something is destroyed, and calls `destroy` if the button `destructiveLabel` is
+/// pressed. Cancel is the default; Escape and closing cancel too. Opened window-modal, without an
+/// event loop of its own; deletes itself when it has been answered.
+QMessageBox* openConfirmation(const QString& title, const QString& message,
+                              const QString& destructiveLabel, QWidget* parent,
+                              std::function<void()> destroy);
 
 } // namespace brevane

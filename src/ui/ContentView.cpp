@@ -17,6 +17,7 @@
 #include <QClipboard>
 #include <QEvent>
 #include <QGuiApplication>
+#include <QScrollArea>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -36,7 +37,9 @@ constexpr int rightMaximum = 400;
 } // namespace
 
 ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, QWidget* parent)
-    : QWidget(parent), service(ownService), mainQueue(ownMainQueue) {
+    : QWidget(parent), service(ownService), mainQueue(ownMainQueue), leftWanted(leftIdeal),
+      rightWanted(rightIdeal) {
+    toast = new ToastBar;
     split = new QSplitter;
     split->setChildrenCollapsible(false);
     QWidget* const left = makeLeftPane();
@@ -48,9 +51,12 @@ ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, 
     split->setStretchFactor(0, 1);
     split->setStretchFactor(1, 0);
     split->setSizes({leftIdeal, rightIdeal});
+    connect(split, &QSplitter::splitterMoved, this, [this] {
+        leftWanted = std::min(leftIdeal, split->sizes()[0]);
+        rightWanted = split->sizes()[1];
+    });
     // A splitter puts each new pane before the others, which is the order that screen readers take.
     split->widget(0)->lower();
-    toast = new ToastBar;
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -103,9 +109,20 @@ QWidget* ContentView::makeRightPane() {
     auto* column = new QVBoxLayout(pane);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
+    // What the toast takes from the window it takes from here and from the form's padding, so that
+    // the form stays as it is.
+    auto* toastPlace = new QWidget;
+    const auto resizePlace = [this, toastPlace] {
+        toastPlace->setFixedHeight(toast->sizeHint().height() - AddServeView::givesWay);
+    };
+    resizePlace();
+    connect(&theme(), &Theme::changed, toastPlace, resizePlace, Qt::QueuedConnection);
+    connect(toast, &ToastBar::visibilityChanged, toastPlace, &QWidget::setHidden);
+    connect(toast, &ToastBar::visibilityChanged, form, &AddServeView::giveWay);
     column->addWidget(modeHeader);
     column->addWidget(Surface::makeDivider());
     column->addWidget(form, 1);
+    column->addWidget(toastPlace);
     return pane;
 }
 
@@ -113,20 +130,39 @@ void ContentView::showToast(const QString& message) {
     toast->showToast(message);
 }
 
+// Where there is not enough for both panes, the list gives way last.
+void ContentView::shareWidth() {
+    const int both = width() - split->handleWidth();
+    // Larger text needs more of it.
+    const int least = std::min(rightWanted, theme().scaled(rightMinimum));
+    const int right = std::clamp(both - leftWanted, least, rightWanted);
+    split->setSizes({both - right, right});
+}
+
 // Both headers are as high as the higher one needs to be.
 void ContentView::matchHeaderHeights() {
     constexpr int least = 56;
-    const int right =
-        std::max(modeHeader->sizeHint().height(), modeHeader->heightForWidth(modeHeader->width()));
+    const int right = modeHeader->heightForWidth(modeHeader->width());
     const int headerHeight = std::max({least, statusHeader->sizeHint().height(), right});
     statusHeader->setFixedHeight(headerHeight);
     modeHeader->setFixedHeight(headerHeight);
 }
 
+// A scroll area by itself follows only a focus that moves within it.
+bool ContentView::focusNextPrevChild(bool next) {
+    const bool moved = QWidget::focusNextPrevChild(next);
+    QWidget* const focused = window()->focusWidget();
+    for (QWidget* around = focused; around != nullptr; around = around->parentWidget())
+        if (auto* area = qobject_cast<QScrollArea*>(around)) area->ensureWidgetVisible(focused);
+    return moved;
+}
+
 bool ContentView::event(QEvent* event) {
     switch (event->type()) {
-    case QEvent::Show:
     case QEvent::Resize:
+        shareWidth();
+        [[fallthrough]];
+    case QEvent::Show:
     case QEvent::LayoutRequest:
         matchHeaderHeights();
         break;
@@ -184,13 +220,14 @@ void ContentView::failToStop(const std::string& output) {
 }
 
 void ContentView::confirmReset(ResetTarget target) {
-    resetTarget = target;
+    // What the open question asks about is what it will do.
     if (showResetConfirm) return;
+    resetTarget = target;
     const ResetTexts texts = resetTexts(target);
-    showResetConfirm = new ConfirmationDialog(toQString(texts.title), toQString(texts.message),
-                                              tr("Reset"), window());
-    connect(showResetConfirm, &QDialog::accepted, this, &ContentView::performReset);
-    showResetConfirm->open();
+    showResetConfirm = openConfirmation(toQString(texts.title), toQString(texts.message),
+                                        tr("Reset"), window(), [view = QPointer(this)] {
+                                            if (view) view->performReset();
+                                        });
 }
 
 void ContentView::performReset() {

@@ -11,12 +11,12 @@
 #include <functional>
 #include <string>
 
+class QMessageBox;
 class QSplitter;
 
 namespace brevane {
 
 class AddServeView;
-class ConfirmationDialog;
 class EmptyState;
 class ErrorBanner;
 class ModeHeader;
@@ -47,10 +47,12 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
 private:
     [[nodiscard]] QWidget* makeLeftPane();
     [[nodiscard]] QWidget* makeRightPane();
+    void shareWidth();
     void matchHeaderHeights();
     void scheduleRedraw();
     void redraw();
@@ -63,7 +65,9 @@ private:
     TailscaleService& service;
     MainQueue& mainQueue;
     ResetTarget resetTarget = ResetTarget::all;
-    QPointer<ConfirmationDialog> showResetConfirm;
+    QPointer<QMessageBox> showResetConfirm;
+    int leftWanted;  ///< how narrow the list is before the form begins to give way
+    int rightWanted; ///< how wide the form is where there is enough
     bool redrawScheduled = false;
     bool entriesChanged = true;
 

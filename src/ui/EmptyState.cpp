@@ -20,14 +20,14 @@ EmptyState::EmptyState(QWidget* parent) : QWidget(parent) {
     column->setContentsMargins(Theme::listPaddingX, Theme::listPaddingY, Theme::listPaddingX,
                                Theme::listPaddingY);
     column->setSpacing(Theme::near);
-    column->addStretch(2);
+    column->addStretch();
     column->addWidget(new SymbolView(QStringLiteral("antenna.radiowaves.left.and.right.slash"),
                                      &Colors::secondary, 32),
                       0, Qt::AlignHCenter);
     column->addSpacing(Theme::tight);
     column->addWidget(title);
     column->addWidget(advice);
-    column->addStretch(3);
+    column->addStretch();
 }
 
 } // namespace brevane

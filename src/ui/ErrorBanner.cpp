@@ -13,7 +13,7 @@ namespace brevane {
 ErrorBanner::ErrorBanner(QWidget* parent)
     : Surface(&Colors::orangeTint, 0.12, 0, parent),
       text(new SelectableText(tr("Error"), TextStyle::caption, &Colors::text, 8)) {
-    setAccessibleRole(*this, QAccessible::AlertMessage);
+    setAccessibleRole(*this, QAccessible::Notification);
     auto* clear = new PushButton(PushButton::Kind::link, tr("Clear"));
     connect(clear, &PushButton::clicked, this, &ErrorBanner::clearRequested);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ModeHeader.h"
 
+#include "Accessibility.h"
 #include "FormTexts.h"
 #include "Label.h"
 #include "QtText.h"
@@ -18,6 +19,8 @@ ModeHeader::ModeHeader(QWidget* parent)
         labels << toQString(rawValue(mode));
     auto* picker = new SegmentedControl(labels);
     picker->setFixedWidth(200);
+    setAccessibleRole(*picker, QAccessible::Grouping);
+    picker->setAccessibleName(tr("Mode"));
     connect(picker, &SegmentedControl::currentIndexChanged, this,
             [this](int index) { choose(allServeModes[static_cast<std::size_t>(index)]); });
     caption->setWordWrap(true);

@@ -27,6 +27,9 @@ SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
         connect(item, &QAction::triggered, this,
                 [this, chosen = target] { Q_EMIT resetRequested(chosen); });
     }
+    // Says that there is a menu. It opens from here, as the button would wait for it to close.
+    more->setMenu(menu);
+    more->setPopupMode(QToolButton::MenuButtonPopup);
     connect(more, &IconButton::clicked, this, [more, menu] {
         const int trailing = more->width() - menu->sizeHint().width();
         menu->popup(more->mapToGlobal(QPoint(std::min(0, trailing), more->height() + 2)));

@@ -11,33 +11,41 @@
 
 namespace brevane {
 
-SectionHeader::SectionHeader(const QString& sectionTitle, const QString& symbolName,
-                             ColorRole symbolColor, QWidget* parent)
-    : QWidget(parent), title(sectionTitle.toUpper()), symbol(symbolName), color(symbolColor) {
+namespace {
+
+constexpr int symbolFontSize = 11;
+constexpr int afterSymbol = 6;
+
+} // namespace
+
+SectionHeader::SectionHeader(const QString& title, const QString& symbol, ColorRole color,
+                             QWidget* parent)
+    : QWidget(parent), title_(title.toUpper()), symbol_(symbol), color_(color) {
     setAccessibleRole(*this, QAccessible::Heading);
-    setAccessibleName(sectionTitle);
-    hide();
+    setAccessibleName(title);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    connect(&theme(), &Theme::changed, this, [this] { updateGeometry(); });
 }
 
-int SectionHeader::headerHeight() {
-    const int line = QFontMetrics(theme().font(TextStyle::section)).height();
-    return std::max(line, theme().symbolSize(11)) + 12;
+QSize SectionHeader::sizeHint() const {
+    const QFontMetrics metrics(theme().font(TextStyle::section));
+    const int side = theme().symbolSize(symbolFontSize);
+    return {Theme::rowPaddingX + side + afterSymbol + metrics.horizontalAdvance(title_),
+            std::max(metrics.height(), side) + 12};
 }
 
 void SectionHeader::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    // Rows pass underneath.
-    painter.fillRect(rect(), theme().color(&Colors::pane));
-    const int side = theme().symbolSize(11);
-    const int x = Theme::listPaddingX + Theme::rowPaddingX;
+    const int side = theme().symbolSize(symbolFontSize);
     const auto mirrored = [&](const QRect& box) {
         return QStyle::visualRect(layoutDirection(), rect(), box);
     };
-    drawSymbol(painter, mirrored({x, 0, side, height()}), symbol, theme().color(color), side);
+    drawSymbol(painter, mirrored({Theme::rowPaddingX, 0, side, height()}), symbol_,
+               theme().color(color_), side);
     painter.setFont(theme().font(TextStyle::section));
     painter.setPen(theme().color(&Colors::secondary));
-    painter.drawText(mirrored({x + side + 6, 0, width() - x - side - 6, height()}),
-                     Qt::AlignVCenter | Qt::AlignLeft, title);
+    painter.drawText(mirrored(rect().adjusted(Theme::rowPaddingX + side + afterSymbol, 0, 0, 0)),
+                     Qt::AlignVCenter | Qt::AlignLeft, title_);
 }
 
 } // namespace brevane

@@ -7,22 +7,22 @@
 
 namespace brevane {
 
-/// The capitals above one kind of share. Stays at the top of the list while its shares scroll by.
+/// The capitals above one kind of share.
 class SectionHeader : public QWidget {
     Q_OBJECT
 public:
-    SectionHeader(const QString& title, const QString& symbol, ColorRole color, QWidget* parent);
+    SectionHeader(const QString& title, const QString& symbol, ColorRole color,
+                  QWidget* parent = nullptr);
 
-    /// How high every header is with the fonts in use.
-    [[nodiscard]] static int headerHeight();
+    [[nodiscard]] QSize sizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QString title;
-    QString symbol;
-    ColorRole color;
+    QString title_;
+    QString symbol_;
+    ColorRole color_;
 };
 
 } // namespace brevane

@@ -2,236 +2,253 @@
 #include "ShareList.h"
 
 #include "Accessibility.h"
+#include "EntryPorts.h"
 #include "IconButton.h"
+#include "ScrollPadding.h"
 #include "SectionHeader.h"
 #include "ShareRowView.h"
+#include "ShareTexts.h"
 #include "Theme.h"
 
+#include <QCoreApplication>
 #include <QCursor>
 #include <QKeyEvent>
 #include <QPointer>
 #include <QScrollBar>
+#include <QVBoxLayout>
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace brevane {
 
-ShareList::ShareList(CopyAction copyAction, StopAction stopAction, QWidget* parent)
-    : QAbstractScrollArea(parent), onCopy(std::move(copyAction)), onStop(std::move(stopAction)),
-      serves(new SectionHeader(tr("Serves"), QStringLiteral("lock.shield"), &Colors::blue,
-                               viewport())),
-      funnels(
-          new SectionHeader(tr("Funnels"), QStringLiteral("globe"), &Colors::orange, viewport())) {
+bool ShareList::Key::operator<(const Key& other) const {
+    return std::tie(hostPort, urlPath, handlerType, occurrence) <
+           std::tie(other.hostPort, other.urlPath, other.handlerType, other.occurrence);
+}
+
+ShareList::ShareList(CopyAction onCopy, StopAction onStop, QWidget* parent)
+    : QScrollArea(parent), onCopy_(std::move(onCopy)), onStop_(std::move(onStop)) {
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWidgetResizable(true);
+    setFocusPolicy(Qt::NoFocus);
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(Theme::listPaddingX, Theme::listPaddingY, Theme::listPaddingX,
+                               Theme::listPaddingY);
+    column->setSpacing(0);
+    serves_ = makeSection(tr("Serves"), QStringLiteral("lock.shield"), &Colors::blue, *column);
+    funnels_ = makeSection(tr("Funnels"), QStringLiteral("globe"), &Colors::orange, *column);
+    column->addStretch();
+    setWidget(content);
+    content->setAutoFillBackground(false);
     viewport()->setAutoFillBackground(false);
-    setAccessibleRole(*viewport(), QAccessible::List);
-    viewport()->setAccessibleName(tr("Active Shares"));
-    connect(&theme(), &Theme::changed, this, &ShareList::layOut);
+    keepScrollBarInPadding(*this, *column, Theme::listPaddingX);
 }
 
-void ShareList::setShares(std::vector<ServeEntry> newEntries,
-                          ManagedServers::InfoMap managedServers) {
-    // Where each row, and the topmost share in view, will be found again.
-    std::vector<std::optional<ShareKey>> keys;
-    keys.reserve(rows.size());
-    for (const Row& row : rows)
-        keys.push_back(row.index ? std::optional(shareKey(entries, *row.index)) : std::nullopt);
-    const int scroll = verticalScrollBar()->value();
-    const auto focused = focusedStop();
-    struct Anchor {
-        ShareKey key;
-        int offset;
-    };
-    std::vector<Anchor> anchors;
-    if (scroll > 0)
-        for (std::size_t index = firstShareBelow(scroll);
-             index < entries.size() && rowTop(index) < scroll + viewport()->height(); ++index)
-            anchors.push_back({shareKey(entries, index), rowTop(index) - scroll});
+ShareList::Section ShareList::makeSection(const QString& title, const QString& symbol,
+                                          ColorRole color, QVBoxLayout& column) {
+    auto* header = new SectionHeader(title, symbol, color);
+    auto* list = new QWidget;
+    setAccessibleRole(*list, QAccessible::List);
+    list->setAccessibleName(title);
+    auto* layout = new QVBoxLayout(list);
+    layout->setContentsMargins(0, 0, 0, Theme::near);
+    layout->setSpacing(0);
+    for (QWidget* part : {static_cast<QWidget*>(header), list}) {
+        column.addWidget(part);
+        part->hide();
+    }
+    return {header, list, layout};
+}
+
+void ShareList::setShares(std::vector<ServeEntry> entries,
+                          const ManagedServers::InfoMap& managedServers) {
+    const auto focused = focusedPlace();
+    QPointer<ShareRowView> focusedRow = focused ? rows_[focused->index] : nullptr;
+    const int scrolled = verticalScrollBar()->value();
+    // The rows in view with where they are, from the topmost.
+    std::vector<std::pair<QPointer<ShareRowView>, int>> inView;
+    if (scrolled > 0)
+        for (ShareRowView* row : rows_)
+            if (const int top = topOf(*row);
+                top + row->height() > scrolled && top < scrolled + viewport()->height())
+                inView.emplace_back(row, top);
 
     const auto isServe = [](const ServeEntry& entry) { return !entry.isFunnel; };
-    entries = std::move(newEntries);
-    servers = std::move(managedServers);
-    if (!std::ranges::is_partitioned(entries, isServe))
-        std::ranges::stable_partition(entries, isServe);
-    serveCount = static_cast<std::size_t>(std::ranges::count_if(entries, isServe));
-    setFocusPolicy(entries.empty() ? Qt::NoFocus : Qt::TabFocus);
-
-    bool focusLost = focused.has_value();
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        Row& row = rows[i];
-        if (!row.index) continue;
-        const bool hadFocus = focused && *row.index == focused->index;
-        row.index = indexOf(*keys[i], entries);
-        if (row.index) {
-            bind(row, *row.index);
-            if (hadFocus) focusLost = false;
-        } else {
-            row.view->dismissConfirmation();
-        }
+    const auto firstFunnel = std::ranges::stable_partition(entries, isServe).begin();
+    const auto serveCount = firstFunnel - entries.begin();
+    auto former = std::exchange(rowsByKey_, {});
+    std::vector<ShareRowView*> rows;
+    rows.reserve(entries.size());
+    for (const ServeEntry& entry : entries) {
+        Key key{entry.hostPort, entry.urlPath, entry.handlerType, 0};
+        while (rowsByKey_.contains(key))
+            ++key.occurrence;
+        const auto known = former.extract(key);
+        auto* row = known.empty()
+                        ? new ShareRowView(onCopy_, [this](const ServeEntry& e) { stopShare(e); })
+                        : known.mapped();
+        row->showShare(entry, managedInfo(entry, managedServers));
+        rows.push_back(row);
+        rowsByKey_.emplace(std::move(key), row);
     }
-    std::erase_if(stopping, [&](const ShareKey& key) { return !indexOf(key, entries); });
-
-    int position = scroll;
-    for (const Anchor& anchor : anchors)
-        if (const auto index = indexOf(anchor.key, entries)) {
-            position = rowTop(*index) - anchor.offset;
-            break;
-        }
-    // The scroll bar's own notice would lay out once more.
-    const QSignalBlocker quiet(verticalScrollBar());
-    verticalScrollBar()->setRange(0, std::max(0, contentHeight() - viewport()->height()));
-    verticalScrollBar()->setValue(position);
-    layOut();
-    if (focusLost && !entries.empty())
-        focusOn({std::min(focused->index, entries.size() - 1), focused->isStopButton});
-}
-
-ShareRowView* ShareList::rowAt(std::size_t index) const {
-    const auto row = std::ranges::find(rows, std::optional(index), &Row::index);
-    return row == rows.end() ? nullptr : row->view;
-}
-
-int ShareList::sectionTop(bool ofFunnels) const {
-    if (!ofFunnels || serveCount == 0) return Theme::listPaddingY;
-    return Theme::listPaddingY + SectionHeader::headerHeight() +
-           static_cast<int>(serveCount) * ShareRowView::rowHeight() + Theme::near;
-}
-
-int ShareList::rowTop(std::size_t index) const {
-    const bool isFunnel = index >= serveCount;
-    const auto before = static_cast<int>(isFunnel ? index - serveCount : index);
-    return sectionTop(isFunnel) + SectionHeader::headerHeight() +
-           before * ShareRowView::rowHeight();
-}
-
-int ShareList::contentHeight() const {
-    if (entries.empty()) return 0;
-    return rowTop(entries.size() - 1) + ShareRowView::rowHeight() + Theme::listPaddingY;
-}
-
-std::size_t ShareList::firstShareBelow(int y) const {
-    std::size_t low = 0;
-    std::size_t high = entries.size();
-    while (low < high) {
-        const std::size_t middle = low + (high - low) / 2;
-        if (rowTop(middle) + ShareRowView::rowHeight() <= y)
-            low = middle + 1;
-        else
-            high = middle;
+    for (const auto& [key, row] : former)
+        delete row;
+    if (rows != rows_ || !former.empty()) {
+        rows_ = std::move(rows);
+        const auto split = rows_.begin() + serveCount;
+        arrange(serves_, {rows_.begin(), split});
+        arrange(funnels_, {split, rows_.end()});
+        orderFocus();
+        layOutNow();
     }
-    return low;
-}
-
-void ShareList::layOut() {
-    const int height = viewport()->height();
-    verticalScrollBar()->setPageStep(height);
-    // Without a row there is no need to load its fonts.
-    if (!entries.empty()) verticalScrollBar()->setSingleStep(ShareRowView::rowHeight() / 2);
-    verticalScrollBar()->setRange(0, std::max(0, contentHeight() - height));
-    const int y = verticalScrollBar()->value();
-    const std::size_t first = firstShareBelow(y);
-    std::size_t end = first;
-    while (end < entries.size() && rowTop(end) < y + height)
-        ++end;
-    bindRows(first, end);
-    // The scroll bar takes its place out of the padding, so that rows are as wide with it as
-    // without.
-    const int rowWidth = width() - 2 * Theme::listPaddingX;
-    const int x = layoutDirection() == Qt::RightToLeft
-                      ? viewport()->width() - Theme::listPaddingX - rowWidth
-                      : Theme::listPaddingX;
-    for (const Row& row : rows) {
-        if (row.index)
-            row.view->setGeometry(x, rowTop(*row.index) - y, rowWidth, ShareRowView::rowHeight());
-        row.view->setVisible(row.index.has_value());
+    markStopping();
+    const auto still =
+        std::ranges::find_if(inView, [](const auto& row) { return !row.first.isNull(); });
+    if (still != inView.end())
+        verticalScrollBar()->setValue(scrolled + topOf(*still->first) - still->second);
+    if (focused && !rows_.empty()) {
+        const auto place = std::ranges::find(rows_, focusedRow.data());
+        const auto index = place == rows_.end() ? std::min(focused->index, rows_.size() - 1)
+                                                : static_cast<std::size_t>(place - rows_.begin());
+        if (const auto now = focusedPlace(); !now || now->index != index)
+            focusOn({index, focused->isStopButton});
     }
-    placeHeaders();
     updateHover();
 }
 
-void ShareList::placeHeaders() {
-    const int y = verticalScrollBar()->value();
-    const int headerHeight = SectionHeader::headerHeight();
-    const int funnelsTop = sectionTop(true) - y;
-    const bool hasFunnels = serveCount < entries.size();
-    const bool hasServes = serveCount > 0;
-    const int pushed = hasFunnels ? std::min(0, funnelsTop - headerHeight) : 0;
-    serves->setGeometry(0, std::max(sectionTop(false) - y, pushed), viewport()->width(),
-                        headerHeight);
-    funnels->setGeometry(0, std::max(funnelsTop, 0), viewport()->width(), headerHeight);
-    serves->setVisible(hasServes);
-    funnels->setVisible(hasFunnels);
-    serves->raise();
-    funnels->raise();
-}
-
-void ShareList::bindRows(std::size_t first, std::size_t end) {
-    const auto isNeeded = [&](const Row& row) {
-        return row.index && *row.index >= first && *row.index < end;
-    };
-    for (Row& row : rows)
-        if (row.index && !isNeeded(row) && !isPinned(row)) row.index.reset();
-    for (std::size_t index = first; index < end; ++index) {
-        if (rowAt(index) != nullptr) continue;
-        const auto unused =
-            std::ranges::find_if(rows, [](const Row& row) { return !row.index.has_value(); });
-        bind(unused == rows.end() ? makeRow() : *unused, index);
+void ShareList::arrange(const Section& section, const std::vector<ShareRowView*>& rows) {
+    bool isReordered = false;
+    section.layout->setEnabled(false);
+    for (int i = 0; i < static_cast<int>(rows.size()); ++i) {
+        auto* row = rows[static_cast<std::size_t>(i)];
+        const auto* item = section.layout->itemAt(i);
+        if (item != nullptr && item->widget() == row) continue;
+        isReordered = isReordered || item != nullptr;
+        section.layout->insertWidget(i, row);
+        // The layout would show it, and count it, only after the next turn of the event loop.
+        row->show();
     }
+    section.layout->setEnabled(true);
+    // A screen reader takes them in the order in which they lie above one another.
+    if (isReordered)
+        for (ShareRowView* row : rows)
+            row->raise();
+    section.header->setVisible(!rows.empty());
+    section.list->setVisible(!rows.empty());
 }
 
-void ShareList::bind(Row& row, std::size_t index) {
-    const ServeEntry& entry = entries[index];
-    row.index = index;
-    row.view->showShare(entry, managedInfo(entry, servers));
-    row.view->setStopping(!stopping.empty() &&
-                          std::ranges::find(stopping, shareKey(entries, index)) != stopping.end());
+// Qt puts a new control at the end of the window's order of focus, not where it lies.
+void ShareList::orderFocus() {
+    // Only what takes the focus can be a place in that order.
+    setFocusPolicy(Qt::TabFocus);
+    // From the last to the first, since Qt searches what lies between a control and its new place.
+    for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
+        setTabOrder(this, (*row)->stopButton());
+        setTabOrder(this, (*row)->copyButton());
+    }
+    setFocusPolicy(Qt::NoFocus);
 }
 
-bool ShareList::isPinned(const Row& row) const {
-    return row.view->stopConfirmation() != nullptr ||
-           row.view->isAncestorOf(window()->focusWidget());
+// Otherwise rows lie where they are laid out only after the next turn of the event loop.
+void ShareList::layOutNow() {
+    if (!isVisible()) return;
+    for (const Section& section : {serves_, funnels_})
+        section.layout->activate();
+    widget()->layout()->activate();
+    QEvent request(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(this, &request);
 }
 
-ShareList::Row& ShareList::makeRow() {
-    auto* view = new ShareRowView(
-        onCopy, [this](const ServeEntry& entry) { stopShare(entry); }, viewport());
-    for (auto* button : {view->copyButton(), view->stopButton()})
-        button->installEventFilter(this);
-    return rows.emplace_back(Row{view, std::nullopt});
+int ShareList::topOf(const ShareRowView& row) const {
+    return row.y() + row.parentWidget()->y();
 }
 
+// Qt notices a row that moves under the pointer only when the pointer moves.
 void ShareList::updateHover() {
     const bool inside = viewport()->underMouse();
-    for (const Row& row : rows)
-        row.view->setHovered(inside && row.index &&
-                             row.view->rect().contains(row.view->mapFromGlobal(QCursor::pos())));
+    const QPoint pointer = widget()->mapFromGlobal(QCursor::pos());
+    for (ShareRowView* row : rows_)
+        row->setHovered(inside &&
+                        row->geometry().translated(row->parentWidget()->pos()).contains(pointer));
+}
+
+void ShareList::scrollContentsBy(int dx, int dy) {
+    QScrollArea::scrollContentsBy(dx, dy);
+    updateHover();
+}
+
+std::optional<ShareList::Place> ShareList::focusedPlace() const {
+    QWidget* const focused = window()->focusWidget();
+    if (focused == nullptr || !isAncestorOf(focused)) return std::nullopt;
+    const auto row = std::ranges::find_if(
+        rows_, [&](const ShareRowView* candidate) { return candidate->isAncestorOf(focused); });
+    if (row == rows_.end()) return std::nullopt;
+    return Place{static_cast<std::size_t>(row - rows_.begin()), (*row)->stopButton() == focused};
+}
+
+void ShareList::focusOn(Place place) {
+    ShareRowView* row = rows_[place.index];
+    (place.isStopButton ? row->stopButton() : row->copyButton())->setFocus(Qt::TabFocusReason);
+    // The first row in sight means its heading too.
+    if (place.index == 0)
+        verticalScrollBar()->setValue(0);
+    else
+        ensureWidgetVisible(row, 0, Theme::listPaddingY);
+}
+
+void ShareList::keyPressEvent(QKeyEvent* event) {
+    const auto focused = focusedPlace();
+    if (!focused) return QScrollArea::keyPressEvent(event);
+    const auto last = static_cast<qsizetype>(rows_.size()) - 1;
+    const auto page = std::max(1, viewport()->height() / rows_.front()->height() - 1);
+    auto index = static_cast<qsizetype>(focused->index);
+    switch (event->key()) {
+    case Qt::Key_Up:
+        index -= 1;
+        break;
+    case Qt::Key_Down:
+        index += 1;
+        break;
+    case Qt::Key_PageUp:
+        index -= page;
+        break;
+    case Qt::Key_PageDown:
+        index += page;
+        break;
+    case Qt::Key_Home:
+        index = 0;
+        break;
+    case Qt::Key_End:
+        index = last;
+        break;
+    default:
+        return QScrollArea::keyPressEvent(event);
+    }
+    window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    focusOn(
+        {static_cast<std::size_t>(std::clamp<qsizetype>(index, 0, last)), focused->isStopButton});
 }
 
 void ShareList::stopShare(const ServeEntry& entry) {
-    const auto row = std::ranges::find_if(
-        rows, [&](const Row& known) { return known.index && known.view->entry().id == entry.id; });
-    if (row == rows.end()) return;
-    const ShareKey key = shareKey(entries, *row->index);
-    stopping.push_back(key);
-    row->view->setStopping(true);
-    onStop(entry, [list = QPointer(this), key] {
+    const std::string port = stopPort(entry);
+    stoppingPorts_.insert(port);
+    markStopping();
+    onStop_(entry, [list = QPointer(this), port] {
         if (!list) return;
-        if (const auto marked = std::ranges::find(list->stopping, key);
-            marked != list->stopping.end())
-            list->stopping.erase(marked);
-        const auto index = indexOf(key, list->entries);
-        if (auto* view = index ? list->rowAt(*index) : nullptr) view->setStopping(false);
+        list->stoppingPorts_.erase(port);
+        list->markStopping();
     });
 }
 
-void ShareList::resizeEvent(QResizeEvent*) {
-    layOut();
-}
-
-void ShareList::scrollContentsBy(int, int) {
-    layOut();
+// A stop takes all shares of its port.
+void ShareList::markStopping() {
+    for (ShareRowView* row : rows_)
+        row->setStopping(!stoppingPorts_.empty() &&
+                         stoppingPorts_.contains(stopPort(row->entry())));
 }
 
 } // namespace brevane

@@ -3,23 +3,27 @@
 
 #include "ManagedServers.h"
 #include "ServeEntry.h"
-#include "ShareKey.h"
+#include "Theme.h"
 
-#include <QAbstractScrollArea>
+#include <QScrollArea>
 
 #include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
 #include <vector>
+
+class QVBoxLayout;
 
 namespace brevane {
 
-class IconButton;
 class SectionHeader;
 class ShareRowView;
 
-/// The shares, serves above funnels, in a list that scrolls. Only the rows in view exist, as real
-/// controls, and are used again for others while it scrolls. When the shares are read anew, rows,
+/// The shares, serves above funnels, in a list that scrolls. When the shares are read anew, rows,
 /// focus, pointer, open questions and the scroll position stay with the share that they were at.
-class ShareList : public QAbstractScrollArea {
+class ShareList : public QScrollArea {
     Q_OBJECT
 public:
     using CopyAction = std::function<void(const QString& url)>;
@@ -28,58 +32,57 @@ public:
 
     ShareList(CopyAction onCopy, StopAction onStop, QWidget* parent = nullptr);
 
-    void setShares(std::vector<ServeEntry> entries, ManagedServers::InfoMap managedServers);
+    void setShares(std::vector<ServeEntry> entries, const ManagedServers::InfoMap& managedServers);
 
-    [[nodiscard]] const std::vector<ServeEntry>& shares() const { return entries; }
-    /// The row that shows a share, if it exists at the moment.
-    [[nodiscard]] ShareRowView* rowAt(std::size_t index) const;
+    /// From top to bottom.
+    [[nodiscard]] const std::vector<ShareRowView*>& rows() const { return rows_; }
 
 protected:
-    void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
-    void focusInEvent(QFocusEvent* event) override;
-    bool focusNextPrevChild(bool next) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
-    struct Row {
-        ShareRowView* view;
-        std::optional<std::size_t> index; ///< the share that it shows
+    /// The shares of one kind under their heading.
+    struct Section {
+        SectionHeader* header;
+        QWidget* list;
+        QVBoxLayout* layout;
     };
-    /// A place that the keyboard can be at: one of the two buttons of a share.
-    struct Stop {
+    /// What makes a share the same share after a refresh, which gives every entry a new `id`.
+    struct Key {
+        std::string hostPort;
+        std::string urlPath;
+        ServeEntry::HandlerType handlerType;
+        std::size_t occurrence; ///< how many shares before it have the same three values
+
+        bool operator<(const Key& other) const;
+    };
+    /// One of the two buttons of a row.
+    struct Place {
         std::size_t index;
         bool isStopButton;
     };
 
-    [[nodiscard]] int sectionTop(bool funnels) const;
-    [[nodiscard]] int rowTop(std::size_t index) const;
-    [[nodiscard]] int contentHeight() const;
-    [[nodiscard]] std::size_t firstShareBelow(int y) const;
-    void layOut();
-    void placeHeaders();
-    void bindRows(std::size_t first, std::size_t end);
-    void bind(Row& row, std::size_t index);
-    [[nodiscard]] bool isPinned(const Row& row) const;
-    Row& makeRow();
+    [[nodiscard]] Section makeSection(const QString& title, const QString& symbol, ColorRole color,
+                                      QVBoxLayout& column);
+    static void arrange(const Section& section, const std::vector<ShareRowView*>& rows);
+    void orderFocus();
+    void layOutNow();
+    [[nodiscard]] int topOf(const ShareRowView& row) const;
     void updateHover();
 
+    [[nodiscard]] std::optional<Place> focusedPlace() const;
+    void focusOn(Place place);
     void stopShare(const ServeEntry& entry);
-    [[nodiscard]] std::optional<Stop> focusedStop() const;
-    void focusOn(Stop stop);
-    void leave(bool forwards);
-    bool moveByKey(int key);
-    void scrollTo(std::size_t index);
+    void markStopping();
 
-    CopyAction onCopy;
-    StopAction onStop;
-    std::vector<ServeEntry> entries;
-    std::size_t serveCount = 0;
-    ManagedServers::InfoMap servers;
-    std::vector<ShareKey> stopping;
-    std::vector<Row> rows;
-    SectionHeader* serves;
-    SectionHeader* funnels;
+    CopyAction onCopy_;
+    StopAction onStop_;
+    std::map<Key, ShareRowView*> rowsByKey_;
+    std::vector<ShareRowView*> rows_;
+    std::set<std::string> stoppingPorts_;
+    Section serves_;
+    Section funnels_;
 };
 
 } // namespace brevane

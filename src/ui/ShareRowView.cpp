@@ -6,151 +6,135 @@
 #include "IconButton.h"
 #include "Painting.h"
 #include "QtText.h"
+#include "ShareAddress.h"
+#include "ShareTexts.h"
 #include "Symbol.h"
-#include "Theme.h"
+#include "SymbolView.h"
 
-#include <QHelpEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QPainter>
-#include <QStyle>
-#include <QToolTip>
 
-#include <algorithm>
 #include <utility>
 
 namespace brevane {
 
-namespace {
+/// The kind of share as a symbol on a rounded ground.
+class ShareRowView::Badge : public QWidget {
+public:
+    explicit Badge(QWidget* parent) : QWidget(parent) { setFixedSize(side, side); }
 
-constexpr int badgeSide = 30;
-constexpr int badgeRadius = 7;
-constexpr int betweenBadgeAndText = 12;
-constexpr int betweenLines = 3;
-constexpr int tagPaddingX = 4;
-constexpr int tagPaddingY = 2;
-const auto publicTag = QStringLiteral("PUBLIC");
-
-} // namespace
-
-ShareRowView::ShareRowView(std::function<void(const QString&)> copyAction,
-                           std::function<void(const ServeEntry&)> stopAction, QWidget* parent)
-    : QWidget(parent), onCopy(std::move(copyAction)), onStop(std::move(stopAction)),
-      copy(new IconButton(QStringLiteral("doc.on.doc"), tr("Copy URL"), &Colors::secondary, this)),
-      stop(new IconButton(QStringLiteral("stop.circle"), tr("Stop share"), &Colors::red, this)) {
-    setAccessibleRole(*this, QAccessible::ListItem);
-    copy->setSymbolOpacity(0.5);
-    stop->setSymbolOpacity(0.7);
-    for (auto* button : {copy, stop}) {
-        // The list moves the focus from row to row itself: only some of its rows exist.
-        button->setFocusPolicy(Qt::ClickFocus);
-        button->installEventFilter(this);
+    void setFunnel(bool on) {
+        if (std::exchange(isFunnel_, on) != on) update();
     }
-    connect(copy, &IconButton::clicked, this, [this] { onCopy(url); });
-    connect(stop, &IconButton::clicked, this, &ShareRowView::confirmStop);
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        const Colors& c = theme().colors();
+        drawRoundedBox(painter, rect(), 7,
+                       isFunnel_ ? Colors::thinned(c.orangeTint, 0.15)
+                                 : Colors::thinned(c.blueTint, 0.12));
+        drawSymbol(painter, rect(),
+                   isFunnel_ ? QStringLiteral("globe") : QStringLiteral("lock.shield"),
+                   isFunnel_ ? c.orange : c.blue, 16);
+    }
+
+private:
+    static constexpr int side = 30;
+    bool isFunnel_ = false;
+};
+
+ShareRowView::ShareRowView(std::function<void(const QString&)> onCopy,
+                           std::function<void(const ServeEntry&)> onStop, QWidget* parent)
+    : QWidget(parent), onCopy_(std::move(onCopy)), onStop_(std::move(onStop)),
+      badge_(new Badge(this)), address_(new ShareAddress(this)),
+      detailSymbol_(new SymbolView({}, &Colors::secondary, 10, this)),
+      detail_(new Label(TextStyle::caption, &Colors::secondary, {}, this)),
+      copy_(new IconButton(QStringLiteral("doc.on.doc"), tr("Copy URL"), &Colors::secondary, this)),
+      stop_(new IconButton(QStringLiteral("stop.circle"), tr("Stop share"), &Colors::red, this)) {
+    setAccessibleRole(*this, QAccessible::ListItem);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    detail_->setElided();
+    copy_->setSymbolOpacity(0.5);
+    stop_->setSymbolOpacity(0.7);
+    connect(copy_, &IconButton::clicked, this, [this] { onCopy_(url_); });
+    connect(stop_, &IconButton::clicked, this, &ShareRowView::confirmStop);
+
+    auto* secondLine = new QHBoxLayout;
+    secondLine->setSpacing(5);
+    secondLine->addWidget(detailSymbol_);
+    secondLine->addWidget(detail_, 1);
+    auto* lines = new QVBoxLayout;
+    lines->setSpacing(3);
+    lines->addStretch();
+    lines->addWidget(address_);
+    lines->addLayout(secondLine);
+    lines->addStretch();
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(Theme::rowPaddingX, Theme::rowPaddingY, Theme::rowPaddingX,
+                            Theme::rowPaddingY);
+    row->setSpacing(0);
+    row->addWidget(badge_);
+    row->addSpacing(12);
+    row->addLayout(lines, 1);
+    row->addSpacing(Theme::near);
+    row->addWidget(copy_);
+    row->addWidget(stop_);
 }
 
 ShareRowView::~ShareRowView() {
-    dismissConfirmation();
+    if (showStopConfirm_) showStopConfirm_->reject();
 }
 
-void ShareRowView::showShare(const ServeEntry& shown,
+void ShareRowView::showShare(const ServeEntry& entry,
                              const std::optional<ManagedServerInfo>& managed) {
-    const ShareDetail shownDetail = shareDetail(shown, managed);
-    share = shown;
-    url = toQString(displayURL(shown));
-    detail = toQString(shownDetail.text);
-    detailSymbol = toQString(shownDetail.symbol);
-    if (const QString spoken = toQString(spokenShare(shown, managed)); spoken != accessibleName())
+    const ShareDetail detail = shareDetail(entry, managed);
+    entry_ = entry;
+    url_ = toQString(displayURL(entry));
+    badge_->setFunnel(entry.isFunnel);
+    address_->setPlainText(url_);
+    address_->setPublic(entry.isFunnel);
+    describeButtons();
+    detailSymbol_->setSymbol(toQString(detail.symbol));
+    detail_->setPlainText(toQString(detail.text));
+    if (const QString spoken = toQString(spokenShare(entry, managed)); spoken != accessibleName())
         setAccessibleName(spoken);
-    update();
 }
 
 void ShareRowView::setStopping(bool on) {
-    if (stopping == on) return;
-    stopping = on;
-    stop->setBusy(on);
+    if (stopping_ == on) return;
+    stopping_ = on;
+    stop_->setBusy(on);
+    stop_->setEnabled(!on);
+    address_->setColor(on ? &Colors::secondary : &Colors::text);
     setAccessibleDescription(on ? tr("Stopping") : QString());
-    update();
+    describeButtons();
+}
+
+// Which of the many buttons of the same name it is.
+void ShareRowView::describeButtons() {
+    copy_->setAccessibleDescription(url_);
+    stop_->setAccessibleDescription(stopping_ ? tr("Stopping, %1").arg(url_) : url_);
 }
 
 void ShareRowView::setHovered(bool on) {
-    if (hovered == on) return;
-    hovered = on;
+    if (hovered_ == on) return;
+    hovered_ = on;
     update();
 }
 
 void ShareRowView::confirmStop() {
-    if (showStopConfirm || stopping) return;
-    showStopConfirm = new ConfirmationDialog(toQString(stopTitle(share)),
-                                             toQString(stopMessage(share)), tr("Stop"), window());
-    connect(showStopConfirm, &QDialog::accepted, this, [this] { onStop(share); });
-    showStopConfirm->open();
+    if (showStopConfirm_ || stopping_) return;
+    showStopConfirm_ =
+        openConfirmation(toQString(stopTitle(entry_)), toQString(stopMessage(entry_)), tr("Stop"),
+                         window(), [row = QPointer(this)] {
+                             if (row) row->onStop_(row->entry_);
+                         });
 }
 
-ConfirmationDialog* ShareRowView::stopConfirmation() const {
-    return showStopConfirm;
-}
-
-void ShareRowView::dismissConfirmation() {
-    if (!showStopConfirm) return;
-    showStopConfirm->disconnect(this);
-    showStopConfirm->reject();
-    showStopConfirm.clear();
-}
-
-int ShareRowView::rowHeight() {
-    const int lines =
-        QFontMetrics(theme().font(TextStyle::rowTitle)).height() + betweenLines +
-        std::max(QFontMetrics(theme().font(TextStyle::caption)).height(), theme().symbolSize(10));
-    return std::max(badgeSide, lines) + 2 * Theme::rowPaddingY;
-}
-
-ShareRowView::Geometry ShareRowView::geometryOfParts() const {
-    const QFontMetrics title(theme().font(TextStyle::rowTitle));
-    const QFontMetrics caption(theme().font(TextStyle::caption));
-    const QFontMetrics tag(theme().font(TextStyle::tag));
-    const QRect content = rect().adjusted(Theme::rowPaddingX, 0, -Theme::rowPaddingX, 0);
-    const int side = copy->sizeHint().width();
-    const int textX = content.x() + badgeSide + betweenBadgeAndText;
-    const int textWidth = std::max(0, content.right() + 1 - 2 * side - Theme::near - textX);
-    const int symbolSide = theme().symbolSize(10);
-    const int secondHeight = std::max(caption.height(), symbolSide);
-    const int top = (height() - title.height() - betweenLines - secondHeight) / 2;
-
-    const QSize tagSize = share.isFunnel ? QSize(tag.horizontalAdvance(publicTag) + 2 * tagPaddingX,
-                                                 tag.height() + 2 * tagPaddingY)
-                                         : QSize(0, 0);
-    const int tagSpace = share.isFunnel ? tagSize.width() + 6 : 0;
-    const int urlWidth =
-        std::min(title.horizontalAdvance(onOneLine(url)) + 1, std::max(0, textWidth - tagSpace));
-    const int secondY = top + title.height() + betweenLines;
-    const auto mirrored = [&](const QRect& box) {
-        return QStyle::visualRect(layoutDirection(), rect(), box);
-    };
-    return {
-        .badge = mirrored({content.x(), (height() - badgeSide) / 2, badgeSide, badgeSide}),
-        .url = mirrored({textX, top, urlWidth, title.height()}),
-        .tag = mirrored({textX + urlWidth + 6, top + (title.height() - tagSize.height()) / 2,
-                         tagSize.width(), tagSize.height()}),
-        .symbol =
-            mirrored({textX, secondY + (secondHeight - symbolSide) / 2, symbolSide, symbolSide}),
-        .detail = mirrored({textX + symbolSide + 5, secondY,
-                            std::max(0, textWidth - symbolSide - 5), secondHeight}),
-    };
-}
-
-void ShareRowView::placeButtons() {
-    const QSize size = copy->sizeHint();
-    const int y = (height() - size.height()) / 2;
-    const int stopX = width() - Theme::rowPaddingX - size.width();
-    const auto mirrored = [&](const QRect& box) {
-        return QStyle::visualRect(layoutDirection(), rect(), box);
-    };
-    stop->setGeometry(mirrored({{stopX, y}, size}));
-    copy->setGeometry(mirrored({{stopX - size.width(), y}, size}));
-}
-
-void ShareRowView::resizeEvent(QResizeEvent*) {
-    placeButtons();
+QMessageBox* ShareRowView::stopConfirmation() const {
+    return showStopConfirm_;
 }
 
 void ShareRowView::enterEvent(QEnterEvent*) {
@@ -162,81 +146,27 @@ void ShareRowView::leaveEvent(QEvent*) {
 }
 
 bool ShareRowView::event(QEvent* event) {
-    if (event->type() == QEvent::ToolTip) {
-        showToolTip(*static_cast<QHelpEvent*>(event));
+    // Claimed before the menu's own Copy, which is for text fields.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy)) {
+        event->accept();
         return true;
     }
-    if (event->type() == QEvent::LayoutDirectionChange) placeButtons();
     return QWidget::event(event);
 }
 
-void ShareRowView::showToolTip(const QHelpEvent& event) {
-    const Geometry parts = geometryOfParts();
-    const QFontMetrics title(theme().font(TextStyle::rowTitle));
-    const QFontMetrics caption(theme().font(TextStyle::caption));
-    QString text;
-    if (parts.url.contains(event.pos()) &&
-        title.horizontalAdvance(onOneLine(url)) > parts.url.width())
-        text = url;
-    if (parts.detail.contains(event.pos()) &&
-        caption.horizontalAdvance(onOneLine(detail)) > parts.detail.width())
-        text = detail;
-    QToolTip::showText(event.globalPos(), plainToolTip(text), this);
-}
-
-bool ShareRowView::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() != QEvent::KeyPress && event->type() != QEvent::ShortcutOverride)
-        return QWidget::eventFilter(watched, event);
-    auto* key = static_cast<QKeyEvent*>(event);
-    if (!key->matches(QKeySequence::Copy)) return QWidget::eventFilter(watched, event);
-    // Claimed before the menu's own Copy, which is for text fields.
-    if (event->type() == QEvent::KeyPress) onCopy(url);
-    event->accept();
-    return true;
-}
-
-void ShareRowView::drawBadge(QPainter& painter, const QRect& box) const {
-    const bool isFunnel = share.isFunnel;
-    const Colors& c = theme().colors();
-    drawRoundedBox(painter, box, badgeRadius,
-                   isFunnel ? Colors::thinned(c.orangeTint, 0.15)
-                            : Colors::thinned(c.blueTint, 0.12));
-    drawSymbol(painter, box, isFunnel ? QStringLiteral("globe") : QStringLiteral("lock.shield"),
-               isFunnel ? c.orange : c.blue, 16);
-}
-
-void ShareRowView::drawTag(QPainter& painter, const QRect& box) const {
-    drawRoundedBox(painter, box, 3, Colors::thinned(theme().color(&Colors::orangeTint), 0.15));
-    painter.setFont(theme().font(TextStyle::tag));
-    painter.setPen(theme().color(&Colors::orange));
-    painter.drawText(box, Qt::AlignCenter, publicTag);
-}
-
-void ShareRowView::drawText(QPainter& painter, const QRect& box, const QString& text) const {
-    const auto side = layoutDirection() == Qt::RightToLeft ? Qt::AlignRight : Qt::AlignLeft;
-    painter.drawText(
-        box, int(Qt::AlignVCenter | side | Qt::AlignAbsolute) | Qt::TextSingleLine,
-        painter.fontMetrics().elidedText(onOneLine(text), Qt::ElideMiddle, box.width()));
+void ShareRowView::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Copy))
+        onCopy_(url_);
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void ShareRowView::paintEvent(QPaintEvent*) {
+    if (!hovered_) return;
     QPainter painter(this);
-    // Addresses and paths read from left to right in every language.
-    painter.setLayoutDirection(Qt::LeftToRight);
-    const Colors& c = theme().colors();
-    if (hovered)
-        drawRoundedBox(painter, rect(), Theme::cornerRadius, Colors::thinned(c.text, 0.04));
-    const Geometry parts = geometryOfParts();
-    if (stopping) painter.setOpacity(0.5);
-    drawBadge(painter, parts.badge);
-    painter.setPen(c.text);
-    painter.setFont(theme().font(TextStyle::rowTitle));
-    drawText(painter, parts.url, url);
-    if (share.isFunnel) drawTag(painter, parts.tag);
-    drawSymbol(painter, parts.symbol, detailSymbol, c.secondary, parts.symbol.width());
-    painter.setPen(c.secondary);
-    painter.setFont(theme().font(TextStyle::caption));
-    drawText(painter, parts.detail, detail);
+    drawRoundedBox(painter, rect(), Theme::cornerRadius,
+                   Colors::thinned(theme().color(&Colors::text), 0.04));
 }
 
 } // namespace brevane

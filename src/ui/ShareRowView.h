@@ -3,7 +3,6 @@
 
 #include "ManagedServers.h"
 #include "ServeEntry.h"
-#include "ShareTexts.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -11,15 +10,16 @@
 #include <functional>
 #include <optional>
 
-class QHelpEvent;
+class QMessageBox;
 
 namespace brevane {
 
-class ConfirmationDialog;
 class IconButton;
+class Label;
+class ShareAddress;
+class SymbolView;
 
 /// One share: its address, what it serves, and the buttons that copy the address and stop its port.
-/// A row shows one share after another while the list scrolls.
 class ShareRowView : public QWidget {
     Q_OBJECT
 public:
@@ -27,63 +27,51 @@ public:
                  std::function<void(const ServeEntry& entry)> onStop, QWidget* parent = nullptr);
     ~ShareRowView() override;
 
-    /// Shows this share from now on. The pointer, the focus and an open question stay, as for the
-    /// same share read anew.
-    void showShare(const ServeEntry& shown, const std::optional<ManagedServerInfo>& managed);
+    /// Shows the share as it has been read now. The pointer, the focus and an open question stay.
+    void showShare(const ServeEntry& entry, const std::optional<ManagedServerInfo>& managed);
 
-    [[nodiscard]] const ServeEntry& entry() const { return share; }
+    [[nodiscard]] const ServeEntry& entry() const { return entry_; }
 
     /// Marks the row, and keeps it from being stopped again, until the command has answered.
     void setStopping(bool on);
-    [[nodiscard]] bool isStopping() const { return stopping; }
+    [[nodiscard]] bool isStopping() const { return stopping_; }
 
     void setHovered(bool on);
-    [[nodiscard]] bool isHovered() const { return hovered; }
+    [[nodiscard]] bool isHovered() const { return hovered_; }
 
     /// Asks whether to stop the share's port, and on a yes calls `onStop`.
     void confirmStop();
     /// The question, while it is open.
-    [[nodiscard]] ConfirmationDialog* stopConfirmation() const;
-    void dismissConfirmation();
+    [[nodiscard]] QMessageBox* stopConfirmation() const;
 
-    [[nodiscard]] IconButton* copyButton() const { return copy; }
-    [[nodiscard]] IconButton* stopButton() const { return stop; }
-
-    /// Where the parts that are not controls are drawn.
-    struct Geometry {
-        QRect badge, url, tag, symbol, detail;
-    };
-    [[nodiscard]] Geometry geometryOfParts() const;
-
-    /// How high every row is with the fonts in use.
-    [[nodiscard]] static int rowHeight();
+    [[nodiscard]] IconButton* copyButton() const { return copy_; }
+    [[nodiscard]] IconButton* stopButton() const { return stop_; }
 
 protected:
     bool event(QEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void placeButtons();
-    void showToolTip(const QHelpEvent& event);
-    void drawBadge(QPainter& painter, const QRect& box) const;
-    void drawTag(QPainter& painter, const QRect& box) const;
-    void drawText(QPainter& painter, const QRect& box, const QString& text) const;
+    class Badge;
 
-    ServeEntry share{};
-    QString url;
-    QString detail;
-    QString detailSymbol;
-    std::function<void(const QString&)> onCopy;
-    std::function<void(const ServeEntry&)> onStop;
-    bool hovered = false;
-    bool stopping = false;
-    IconButton* copy;
-    IconButton* stop;
-    QPointer<ConfirmationDialog> showStopConfirm;
+    void describeButtons();
+
+    ServeEntry entry_{};
+    QString url_;
+    std::function<void(const QString&)> onCopy_;
+    std::function<void(const ServeEntry&)> onStop_;
+    bool hovered_ = false;
+    bool stopping_ = false;
+    Badge* badge_;
+    ShareAddress* address_;
+    SymbolView* detailSymbol_;
+    Label* detail_;
+    IconButton* copy_;
+    IconButton* stop_;
+    QPointer<QMessageBox> showStopConfirm_;
 };
 
 } // namespace brevane

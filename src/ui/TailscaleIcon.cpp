@@ -4,6 +4,7 @@
 #include "Painting.h"
 #include "Symbol.h"
 
+#include <QEvent>
 #include <QPainter>
 
 #ifndef __APPLE__
@@ -36,7 +37,7 @@ bool someThemeHas(const QString& name) {
 } // namespace
 #endif
 
-TailscaleIcon::TailscaleIcon(int size, QWidget* parent) : QWidget(parent) {
+TailscaleIcon::TailscaleIcon(int size, QWidget* parent) : QWidget(parent), icon_(installed()) {
     setFixedSize(size, size);
 }
 
@@ -51,20 +52,30 @@ QIcon TailscaleIcon::installed() {
 #endif
 }
 
+void TailscaleIcon::changeEvent(QEvent* event) {
+    // The icon theme is part of the desktop's theme.
+    if (event->type() == QEvent::ThemeChange) {
+        icon_ = installed();
+        update();
+    }
+    QWidget::changeEvent(event);
+}
+
 void TailscaleIcon::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QIcon icon = installed();
-    if (icon.isNull())
+    if (icon_.isNull())
         drawFallback(painter);
     else
-        icon.paint(&painter, rect());
+        icon_.paint(&painter, rect());
 }
 
 void TailscaleIcon::drawFallback(QPainter& painter) const {
     const QColor ground = QColor::fromRgbF(0, 0.42F, 0.75F);
     drawRoundedBox(painter, rect(), 0.22 * width(), ground);
-    // A symbol's box is larger than the font size that it goes with.
-    const int symbolSize = qRound(0.45 * width() * 16 / 13);
+    // A symbol's box is larger than the font size that it goes with. As odd or even as the ground
+    // is, it has the same distance from all sides.
+    const int margin = qRound((1 - 0.45 * 16 / 13) * width() / 2);
+    const int symbolSize = width() - 2 * margin;
     drawSymbol(painter, rect(), QStringLiteral("antenna.radiowaves.left.and.right"), Qt::white,
                symbolSize);
 }

@@ -12,14 +12,17 @@ class TailscaleIcon : public QWidget {
 public:
     explicit TailscaleIcon(int size, QWidget* parent = nullptr);
 
-    /// The installed application's icon, looked up anew each time; null if there is none.
+    /// Looks for the installed application's icon; null if there is none.
     [[nodiscard]] static QIcon installed();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     void drawFallback(QPainter& painter) const;
+
+    QIcon icon_;
 };
 
 } // namespace brevane

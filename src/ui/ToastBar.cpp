@@ -11,7 +11,7 @@ namespace brevane {
 
 ToastBar::ToastBar(QWidget* parent)
     : Surface(&Colors::greenTint, 0.12, 0, parent), text(new Label(TextStyle::callout)) {
-    setAccessibleRole(*this, QAccessible::AlertMessage);
+    setAccessibleRole(*this, QAccessible::Notification);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(14, 8, 14, 8);
     row->setSpacing(8);
@@ -22,6 +22,14 @@ ToastBar::ToastBar(QWidget* parent)
     toastTimer.setTimerType(Qt::PreciseTimer);
     connect(&toastTimer, &QTimer::timeout, this, &QWidget::hide);
     hide();
+}
+
+void ToastBar::showEvent(QShowEvent*) {
+    Q_EMIT visibilityChanged(true);
+}
+
+void ToastBar::hideEvent(QHideEvent*) {
+    Q_EMIT visibilityChanged(false);
 }
 
 void ToastBar::showToast(const QString& message) {

@@ -20,6 +20,13 @@ public:
 
     static constexpr int shownForMs = 3000;
 
+Q_SIGNALS:
+    void visibilityChanged(bool isVisible);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
 private:
     Label* text;
     QTimer toastTimer;

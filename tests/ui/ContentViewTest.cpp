@@ -44,7 +44,7 @@ TEST_F(ContentViewTest, ServesStandAboveFunnelsInTheOrderOfTheEntries) {
         paths.push_back(row(i)->entry().urlPath);
     EXPECT_EQ(paths, (std::vector<std::string>{"/b", "/a", "/d", "/c"}));
     for (std::size_t i = 1; i < 4; ++i)
-        EXPECT_GT(row(i)->y(), row(i - 1)->y());
+        EXPECT_GT(row(i)->mapTo(&list(), QPoint()).y(), row(i - 1)->mapTo(&list(), QPoint()).y());
 }
 
 TEST_F(ContentViewTest, WithoutEntriesTheEmptyStateStandsInThePlaceOfTheList) {
@@ -97,7 +97,7 @@ TEST_F(ContentViewTest, HoweverMuchChangesItRedrawsOncePerTurn) {
     settle();
     EXPECT_EQ(turns.count, 1);
     EXPECT_TRUE(shows("name9"));
-    EXPECT_EQ(list().shares().size(), 9);
+    EXPECT_EQ(list().rows().size(), 9);
 }
 
 TEST_F(ContentViewTest, TheBannerShowsTheErrorUntilItIsCleared) {

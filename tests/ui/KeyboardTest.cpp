@@ -4,6 +4,7 @@
 #include "Surface.h"
 
 #include <QAccessible>
+#include <QMenuBar>
 #include <QTextEdit>
 
 namespace brevane::test {
@@ -103,14 +104,59 @@ TEST_F(KeyboardTest, ThePopUpIsLabelledByItsTitle) {
     EXPECT_EQ(relations[0].first->text(QAccessible::Name), "SOURCE TYPE");
 }
 
-TEST_F(KeyboardTest, ErrorsAndToastsAreAlerts) {
+TEST_F(KeyboardTest, ErrorsAndToastsAreNotifications) {
     view->showToast("URL copied!");
     for (const char* text : {"it went wrong", "URL copied!"}) {
         auto* alert = QAccessible::queryAccessibleInterface(find<Surface>(text));
         ASSERT_NE(alert, nullptr) << text;
-        EXPECT_EQ(alert->role(), QAccessible::AlertMessage) << text;
+        EXPECT_EQ(alert->role(), QAccessible::Notification) << text;
         EXPECT_EQ(alert->text(QAccessible::Name), text);
     }
+}
+
+TEST_F(KeyboardTest, FieldsAreDescribedByTheirHints) {
+    EXPECT_EQ(find<QLineEdit>("File Path")->accessibleDescription(),
+              "Serves a single file. Supports any file type \u2014 HTML, images, PDFs, etc.");
+    EXPECT_EQ(find<QLineEdit>("URL Path (optional)")->accessibleDescription(),
+              "Leave as / to use the filename as the path (e.g. /file.html).");
+}
+
+TEST_F(KeyboardTest, TheModesAreANamedGroup) {
+    auto* group = QAccessible::queryAccessibleInterface(button("Serve")->parentWidget());
+    EXPECT_EQ(group->role(), QAccessible::Grouping);
+    EXPECT_EQ(group->text(QAccessible::Name), "Mode");
+}
+
+TEST_F(KeyboardTest, TheResetButtonSaysThatItHasAMenu) {
+    auto* reset = QAccessible::queryAccessibleInterface(button("Reset Shares"));
+    EXPECT_TRUE(reset->state().hasPopup);
+}
+
+TEST_F(KeyboardTest, TheFocusStaysAtTheStartButton) {
+    for (const char* answer : {"exit 1", "exit 0"}) {
+        changesDo(answer);
+        button("Start Serve")->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        EXPECT_EQ(focusName(), "Starting…");
+        ASSERT_TRUE(until([&] { return button("Start Serve") != nullptr; }));
+        EXPECT_EQ(focusName(), "Start Serve");
+    }
+    ASSERT_FALSE(button("Start Serve")->isEnabled());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+    EXPECT_EQ(focusName(), "Run in background");
+}
+
+TEST_F(KeyboardTest, TheLettersOfMenusAreUnderlinedWhileAltIsHeld) {
+    QMenuBar bar;
+    bar.addMenu("&Edit");
+    bar.resize(bar.sizeHint());
+    bar.show();
+    settle();
+    const QImage without = bar.grab().toImage();
+    QTest::keyPress(view.get(), Qt::Key_Alt);
+    EXPECT_NE(bar.grab().toImage(), without);
+    QTest::keyRelease(view.get(), Qt::Key_Alt, Qt::AltModifier);
+    EXPECT_EQ(bar.grab().toImage(), without);
 }
 
 TEST_F(KeyboardTest, ArrowsChooseTheMode) {
@@ -134,22 +180,21 @@ TEST_F(KeyboardTest, SpaceAndReturnPressARowsButtons) {
 }
 
 TEST_F(KeyboardTest, WhatHasTheFocusLooksDifferent) {
-    for (QWidget* control :
-         {static_cast<QWidget*>(button(refreshButton)), static_cast<QWidget*>(row(0)->copyButton()),
-          static_cast<QWidget*>(button("Serve")), static_cast<QWidget*>(find<PopUp>("Source Type")),
-          static_cast<QWidget*>(find<QLineEdit>("File Path")),
-          static_cast<QWidget*>(find<QCheckBox>("Run in background")),
-          static_cast<QWidget*>(button("Start Serve"))}) {
-        QWidget* other = control == button("Clear") ? button("Reset Shares") : button("Clear");
-        other->setFocus(Qt::TabFocusReason);
-        QTest::keyClick(other, Qt::Key_Shift);
+    view->resize(800, 900);
+    // By the key, so that the window knows that the keyboard is in use.
+    button("Start Serve")->setFocus(Qt::TabFocusReason);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    for (const std::string& name : order) {
+        ASSERT_EQ(focusName(), name);
+        const QWidget* control = QApplication::focusWidget();
+        // With its surroundings, where a ring may be.
+        const QRect around =
+            QRect(control->mapTo(view.get(), QPoint()), control->size()).adjusted(-4, -4, 4, 4);
         settle();
-        const QImage without = control->grab().toImage();
-        // By the key alone, so that the window knows that the keyboard is in use.
-        for (int steps = 0; steps < 50 && !control->hasFocus(); ++steps)
-            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        const QImage with = view->grab(around).toImage();
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         settle();
-        EXPECT_NE(control->grab().toImage(), without) << focusName();
+        EXPECT_NE(view->grab(around).toImage(), with) << name;
     }
 }
 

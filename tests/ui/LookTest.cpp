@@ -3,7 +3,7 @@
 
 #include "Label.h"
 #include "SectionHeader.h"
-#include "SegmentButton.h"
+#include "ShareAddress.h"
 #include "Theme.h"
 
 #include <QImage>
@@ -53,9 +53,17 @@ protected:
     std::vector<Text> texts() {
         std::vector<Text> found;
         for (auto* widget : view->findChildren<QWidget*>()) {
-            if (!widget->isVisible() || !widget->isEnabled()) continue;
+            if (!widget->isVisible()) continue;
             const QRect inside = widget->rect().adjusted(4, 4, -4, -4);
-            if (auto* label = qobject_cast<Label*>(widget); label && !label->text().isEmpty())
+            if (auto* address = qobject_cast<ShareAddress*>(widget)) {
+                QRect text = address->rect();
+                if (const QRect tag = address->tagRect(); !tag.isEmpty()) {
+                    found.push_back({"PUBLIC", widget, tag.adjusted(1, 1, -1, -1)});
+                    text.setRight(tag.left() - 6);
+                }
+                found.push_back({address->text().toStdString(), widget, text});
+            } else if (auto* label = qobject_cast<Label*>(widget);
+                       label && !label->text().isEmpty())
                 found.push_back({label->text().toStdString(), widget, widget->rect()});
             else if (auto* edit = qobject_cast<QTextEdit*>(widget))
                 found.push_back({edit->toPlainText().toStdString(), widget, widget->rect()});
@@ -69,13 +77,7 @@ protected:
             else if (auto* push = qobject_cast<QAbstractButton*>(widget);
                      push && !push->text().isEmpty())
                 found.push_back({push->text().toStdString(), widget, inside});
-            else if (auto* share = qobject_cast<ShareRowView*>(widget)) {
-                const auto parts = share->geometryOfParts();
-                found.push_back({"address", widget, parts.url});
-                found.push_back({"detail", widget, parts.detail});
-                if (!parts.tag.isEmpty())
-                    found.push_back({"PUBLIC", widget, parts.tag.adjusted(1, 1, -1, -1)});
-            } else if (qobject_cast<SectionHeader*>(widget)) {
+            else if (qobject_cast<SectionHeader*>(widget)) {
                 found.push_back({"section", widget, widget->rect().adjusted(46, 0, 0, 0)});
             }
         }
@@ -165,10 +167,12 @@ protected:
         for (std::size_t i = 0; i < 2; ++i) {
             const auto* share = row(i);
             if (share == nullptr) continue;
-            const auto parts = share->geometryOfParts();
-            EXPECT_LE(parts.detail.bottom(), share->height() - 10);
-            EXPECT_GE(parts.url.top(), 10 - 1);
-            EXPECT_GT(parts.url.width(), 20);
+            for (const auto* text : share->findChildren<Label*>()) {
+                const QRect place(text->mapTo(share, QPoint()), text->size());
+                EXPECT_LE(place.bottom(), share->height() - 10);
+                EXPECT_GE(place.top(), 10 - 1);
+                EXPECT_GT(place.width(), 20);
+            }
         }
     }
 
@@ -200,6 +204,16 @@ TEST_F(LookTest, TextOfAFunnelReachesAContrastOfFourAndAHalfInBoth) {
     const_cast<Theme&>(theme()).setDark(true);
     settle();
     expectReadable();
+}
+
+TEST_F(LookTest, WhatCannotBePressedReachesAContrastOfFourAndAHalfToo) {
+    WindowTest::SetUp();
+    for (const bool dark : {false, true}) {
+        const_cast<Theme&>(theme()).setDark(dark);
+        settle();
+        ASSERT_FALSE(button("Start Serve")->isEnabled());
+        expectReadable();
+    }
 }
 
 TEST_F(LookTest, TheWindowRepaintsWhenTheDesktopTurnsDark) {
@@ -261,7 +275,7 @@ TEST_F(LookTest, ALongNameIsShortenedInTheMiddleAndShowsWholeInItsTooltip) {
         EXPECT_TRUE(label->shownText().contains(u'…'));
         EXPECT_TRUE(label->shownText().startsWith("nn"));
         EXPECT_TRUE(label->shownText().endsWith(".net"));
-        EXPECT_EQ(label->toolTip(), label->text());
+        EXPECT_EQ(toolTipOf(*label), label->text());
         return;
     }
     FAIL() << "the status line is nowhere";
@@ -271,7 +285,9 @@ TEST_F(LookTest, MirroredForRightToLeftNothingIsClipped) {
     QApplication::setLayoutDirection(Qt::RightToLeft);
     open({800, 614});
     expectNothingClipped();
-    EXPECT_GT(row(0)->geometryOfParts().badge.left(), row(0)->stopButton()->geometry().right());
+    EXPECT_LT(row(0)->stopButton()->x(), row(0)->copyButton()->x());
+    EXPECT_LT(row(0)->copyButton()->x(), row(0)->findChild<ShareAddress*>()->x());
+    EXPECT_EQ(row(0)->stopButton()->x(), 14);
     QApplication::setLayoutDirection(Qt::LeftToRight);
 }
 

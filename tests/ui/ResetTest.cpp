@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "WindowTest.h"
 
+#include <QMainWindow>
 #include <QMenu>
+#include <QMenuBar>
 
 namespace brevane::test {
 namespace {
@@ -39,6 +41,35 @@ TEST_F(ResetTest, FunnelsAndThenCancelStopsNothingAndKeepsTheTarget) {
     EXPECT_EQ(dialog(), nullptr);
     EXPECT_EQ(view->currentResetTarget(), ResetTarget::funnels);
     EXPECT_TRUE(changes().empty());
+}
+
+TEST_F(ResetTest, AnotherChoiceDoesNotChangeWhatTheOpenQuestionWillDo) {
+    choose("Reset All Funnels");
+    choose("Reset Everything");
+    EXPECT_EQ(view->currentResetTarget(), ResetTarget::funnels);
+    EXPECT_EQ(dialog()->accessibleName(), "Reset All Funnels?");
+    press("Reset");
+    ASSERT_TRUE(until([&] { return !changes().empty(); }));
+    EXPECT_EQ(changes(), std::vector<std::string>{"funnel reset"});
+}
+
+TEST_F(ResetTest, TheMenusKeysWorkWhileAQuestionIsOpen) {
+    QMainWindow window;
+    int quits = 0;
+    auto* quit = window.menuBar()->addMenu("Brevane")->addAction("Quit");
+    quit->setShortcut(Qt::CTRL | Qt::Key_Q);
+    quit->setShortcutContext(Qt::ApplicationShortcut);
+    QObject::connect(quit, &QAction::triggered, [&] { ++quits; });
+    window.setCentralWidget(view.get());
+    window.show();
+    window.activateWindow();
+    settle();
+    choose("Reset Everything");
+    ASSERT_NE(dialog(), nullptr);
+    QTest::keyClick(dialog(), Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(quits, 1);
+    press("Cancel");
+    static_cast<void>(window.takeCentralWidget());
 }
 
 TEST_F(ResetTest, AllServes) {

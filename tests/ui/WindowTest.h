@@ -15,9 +15,11 @@
 #include <QCheckBox>
 #include <QDialog>
 #include <QElapsedTimer>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
+#include <QToolTip>
 
 #include <functional>
 #include <memory>
@@ -94,6 +96,16 @@ protected:
         return false;
     }
 
+    // What is shown when the pointer rests on a control.
+    static QString toolTipOf(const QWidget& widget) {
+        auto& asked = const_cast<QWidget&>(widget);
+        const QPoint middle = asked.rect().center();
+        QHelpEvent event(QEvent::ToolTip, middle, asked.mapToGlobal(middle));
+        QApplication::sendEvent(&asked, &event);
+        QToolTip::hideText();
+        return asked.toolTip();
+    }
+
     QDialog* dialog() {
         for (QWidget* top : QApplication::topLevelWidgets())
             if (auto* found = qobject_cast<QDialog*>(top); found && found->isVisible())
@@ -102,7 +114,10 @@ protected:
     }
 
     ShareList& list() { return *view->findChild<ShareList*>(); }
-    ShareRowView* row(std::size_t index) { return list().rowAt(index); }
+    ShareRowView* row(std::size_t index) {
+        const auto& rows = list().rows();
+        return index < rows.size() ? rows[index] : nullptr;
+    }
 
     static ServeEntry entry(const std::string& path, bool isFunnel = false, int port = 443) {
         ServeEntry made =

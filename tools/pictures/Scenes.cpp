@@ -5,10 +5,10 @@
 #include "IconButton.h"
 #include "PopUp.h"
 #include "PushButton.h"
-#include "SegmentButton.h"
 #include "ShareList.h"
 #include "ShareRowView.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QLineEdit>
 #include <QMenu>
@@ -99,8 +99,8 @@ void many(Stage& stage) {
 void scrolled(Stage& stage) {
     many(stage);
     stage.settle();
-    stage.window.findChild<ShareList*>()->verticalScrollBar()->setValue(ShareRowView::rowHeight() *
-                                                                        7);
+    auto* list = stage.window.findChild<ShareList*>();
+    list->verticalScrollBar()->setValue(list->rows()[0]->height() * 7);
 }
 
 void error(Stage& stage) {
@@ -140,7 +140,7 @@ std::function<void(Stage&)> source(SourceType sourceType, const QString& field,
 
 void funnel(Stage& stage) {
     usual(stage);
-    stage.find<SegmentButton>(QStringLiteral("Funnel")).click();
+    stage.find<QAbstractButton>(QStringLiteral("Funnel")).click();
     type(stage, QStringLiteral("Port or URL"), QStringLiteral("3000"));
 }
 
@@ -158,7 +158,7 @@ void reset(Stage& stage, const QString& item) {
 
 ShareRowView& firstRow(Stage& stage) {
     Stage::settle();
-    return *stage.window.findChild<ShareList*>()->rowAt(0);
+    return *stage.window.findChild<ShareList*>()->rows()[0];
 }
 
 void stopQuestion(Stage& stage) {
@@ -170,9 +170,10 @@ void rowStates(Stage& stage) {
     usual(stage);
     firstRow(stage).setHovered(true);
     auto* list = stage.window.findChild<ShareList*>();
-    list->rowAt(1)->setStopping(true);
+    list->rows()[1]->setStopping(true);
     stage.window.activateWindow();
-    list->rowAt(2)->copyButton()->setFocus(Qt::TabFocusReason);
+    stage.window.setAttribute(Qt::WA_KeyboardFocusChange);
+    list->rows()[2]->copyButton()->setFocus(Qt::TabFocusReason);
 }
 
 void toast(Stage& stage) {

@@ -5,18 +5,21 @@
 
 namespace brevane {
 
-/// The colours of one scheme, by what they are for. Text in `text`, `secondary`, `orange`, `blue`,
-/// `green` and `red` reaches a contrast of 4.5 to 1 (WCAG 2.1, 1.4.3) on every ground it stands on.
+/// The colours of one scheme, by what they are for. Text in `text`, `secondary`, `orangeText`,
+/// `blue`, `green` and `red` reaches a contrast of 4.5 to 1 (WCAG 2.1, 1.4.3) on every ground it
+/// stands on, symbols in `orange` one of 3 to 1 (1.4.11).
 struct Colors {
     QColor window;     ///< ground of the form and of dialogs
     QColor pane;       ///< ground of the share list
     QColor bar;        ///< ground of the menu bar
     QColor popup;      ///< ground of menus
+    QColor popupEdge;  ///< edge of menus
     QColor line;       ///< dividers
     QColor text;       ///< primary text
     QColor secondary;  ///< captions, hints, placeholders, quiet symbols
     QColor blue;       ///< serves
-    QColor orange;     ///< funnels and warnings
+    QColor orange;     ///< symbols of funnels and warnings
+    QColor orangeText; ///< text about funnels and warnings
     QColor green;      ///< connected, done
     QColor red;        ///< not connected, destructive
     QColor blueTint;   ///< what is thinned to make a blue ground

@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "IconButton.h"
 
-#include "Painting.h"
 #include "Spinner.h"
-#include "Symbol.h"
 
-#include <QPainter>
-#include <QTimerEvent>
+#include <QKeyEvent>
+
+#include <utility>
 
 namespace brevane {
 
-IconButton::IconButton(const QString& symbol, const QString& toolTip, ColorRole symbolColor,
+IconButton::IconButton(const QString& symbol, const QString& toolTip, ColorRole color,
                        QWidget* parent)
-    : Button(parent), name(symbol), color(symbolColor) {
+    : QToolButton(parent), symbol_(symbol), color_(color) {
     setToolTip(toolTip);
     setAccessibleName(toolTip);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -20,44 +19,55 @@ IconButton::IconButton(const QString& symbol, const QString& toolTip, ColorRole 
 }
 
 QSize IconButton::sizeHint() const {
-    const int side = theme().symbolSize() + theme().scaled(bordered ? 12 : 10);
+    const int side = theme().symbolSize() + theme().scaled(bordered_ ? 12 : 10);
     return {side, side};
 }
 
 void IconButton::setBusy(bool on) {
-    if (busy == on) return;
-    busy = on;
-    if (busy)
-        timer.start(Spinner::intervalMs, this);
-    else
-        timer.stop();
-    update();
-}
-
-void IconButton::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != timer.timerId()) return Button::timerEvent(event);
-    step = (step + 1) % Spinner::steps;
-    update();
-}
-
-void IconButton::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    const Colors& c = theme().colors();
-    const bool hovered = isHovered();
-    if (bordered) drawRoundedBox(painter, rect(), Theme::cornerRadius, c.button, c.outline);
-    if (isDown() || hovered)
-        drawRoundedBox(painter, rect(), Theme::cornerRadius,
-                       Colors::thinned(c.text, isDown() ? 0.16 : 0.08));
-    if (showsFocus()) drawFocusRing(painter, rect(), Theme::cornerRadius);
-    if (busy) {
-        QRectF box(0, 0, theme().scaled(14), theme().scaled(14));
-        box.moveCenter(QRectF(rect()).center());
-        return Spinner::draw(painter, box, step, c.secondary);
+    if (isBusy() == on) return;
+    if (on) {
+        spinner_ = new Spinner(theme().scaled(14), &Colors::secondary, this);
+        placeSpinner();
+        spinner_->show();
+    } else {
+        delete std::exchange(spinner_, nullptr);
     }
-    const bool plain = !hovered && !isDown() && !showsFocus();
-    const double opacity = isEnabled() ? (plain ? symbolOpacity : 1) : 0.4;
-    drawSymbol(painter, rect(), name, Colors::thinned(theme().color(color), opacity),
-               theme().symbolSize());
+    update();
+}
+
+void IconButton::placeSpinner() {
+    if (spinner_ == nullptr) return;
+    QRect box = spinner_->rect();
+    box.moveCenter(rect().center());
+    spinner_->move(box.topLeft());
+}
+
+void IconButton::resizeEvent(QResizeEvent* event) {
+    QToolButton::resizeEvent(event);
+    placeSpinner();
+}
+
+// Qt asks a widget that is disabled under the focus to hand it on.
+bool IconButton::focusNextPrevChild(bool next) {
+    return !isEnabled() || QToolButton::focusNextPrevChild(next);
+}
+
+void IconButton::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        click();
+        break;
+    // A tool button takes these for Tab; here they are for what the button lies in.
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        event->ignore();
+        break;
+    default:
+        QToolButton::keyPressEvent(event);
+    }
 }
 
 } // namespace brevane

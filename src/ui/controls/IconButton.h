@@ -1,44 +1,53 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Button.h"
 #include "Theme.h"
 
-#include <QBasicTimer>
+#include <QToolButton>
 
 namespace brevane {
 
-/// A borderless button that shows a symbol. Its tooltip is also its accessible name.
-class IconButton : public Button {
+class Spinner;
+
+/// A borderless button that shows a symbol. Its tooltip is also its accessible name. Drawn by the
+/// style. Keeps the keyboard's focus while it is disabled under it.
+class IconButton : public QToolButton {
     Q_OBJECT
 public:
     IconButton(const QString& symbol, const QString& toolTip, ColorRole color = &Colors::secondary,
                QWidget* parent = nullptr);
 
+    [[nodiscard]] const QString& symbol() const { return symbol_; }
+    [[nodiscard]] ColorRole color() const { return color_; }
+
     /// How much of the symbol's colour shows while nothing points at the button.
-    void setSymbolOpacity(double opacity) { symbolOpacity = opacity; }
+    void setSymbolOpacity(double opacity) { symbolOpacity_ = opacity; }
+    [[nodiscard]] double symbolOpacity() const { return symbolOpacity_; }
 
     /// Draws an edge around it, as beside a text field.
-    void setBordered(bool on) { bordered = on; }
+    void setBordered(bool on) { bordered_ = on; }
+    [[nodiscard]] bool isBordered() const { return bordered_; }
 
     /// Shows a progress indicator in place of the symbol.
     void setBusy(bool on);
+    [[nodiscard]] bool isBusy() const { return spinner_ != nullptr; }
 
     [[nodiscard]] QSize sizeHint() const override;
-    [[nodiscard]] const QString& symbol() const { return name; }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
-    QString name;
-    ColorRole color;
-    double symbolOpacity = 1;
-    bool bordered = false;
-    bool busy = false;
-    QBasicTimer timer;
-    int step = 0;
+    void placeSpinner();
+
+    QString symbol_;
+    ColorRole color_;
+    double symbolOpacity_ = 1;
+    bool bordered_ = false;
+    Spinner* spinner_ = nullptr;
 };
 
 } // namespace brevane

@@ -3,62 +3,52 @@
 
 #include "QtText.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QStyle>
 
 namespace brevane {
 
-Label::Label(TextStyle labelStyle, ColorRole labelColor, const QString& text, QWidget* parent)
-    : QLabel(text, parent), style(labelStyle), color(labelColor) {
+Label::Label(TextStyle style, ColorRole color, const QString& text, QWidget* parent)
+    : QLabel(text, parent), style_(style), color_(color) {
     setTextFormat(Qt::PlainText);
-    setFont(theme().font(style));
-    connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(style)); });
+    setFont(theme().font(style_));
+    connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(style_)); });
 }
 
 void Label::setElided() {
-    elided = true;
+    elided_ = true;
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     updateGeometry();
 }
 
 void Label::setPlainText(const QString& newText) {
-    if (newText == text()) return;
-    setText(newText);
-    updateToolTip();
+    if (newText != text()) setText(newText);
+}
+
+void Label::setColor(ColorRole color) {
+    if (color_ == color) return;
+    color_ = color;
+    update();
 }
 
 QString Label::shownText() const {
-    return elided ? fontMetrics().elidedText(onOneLine(text()), Qt::ElideMiddle, width()) : text();
+    if (!elided_) return text();
+    return fontMetrics().elidedText(onOneLine(text()), Qt::ElideMiddle, width() - trailingSpace());
 }
 
 QSize Label::sizeHint() const {
-    if (!elided) return QLabel::sizeHint();
-    return {fontMetrics().horizontalAdvance(onOneLine(text())) + 1, fontMetrics().height()};
+    return elided_ ? minimumSizeHint() : QLabel::sizeHint();
 }
 
 QSize Label::minimumSizeHint() const {
-    return elided ? QSize(0, fontMetrics().height()) : QLabel::minimumSizeHint();
-}
-
-int Label::heightForWidth(int width) const {
-    if (measuredText != text()) {
-        measuredText = text();
-        heights.clear();
-    }
-    const auto known = heights.find(width);
-    if (known != heights.end()) return known->second;
-    return heights[width] = QLabel::heightForWidth(width);
-}
-
-void Label::changeEvent(QEvent* event) {
-    QLabel::changeEvent(event);
-    heights.clear();
+    return elided_ ? QSize(0, fontMetrics().height()) : QLabel::minimumSizeHint();
 }
 
 void Label::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setPen(theme().color(color));
-    if (elided) {
+    painter.setPen(theme().color(color_));
+    if (elided_) {
         // Addresses and paths read from left to right in every language.
         painter.setLayoutDirection(Qt::LeftToRight);
         const auto side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
@@ -71,14 +61,11 @@ void Label::paintEvent(QPaintEvent*) {
                      text());
 }
 
-void Label::resizeEvent(QResizeEvent* event) {
-    QLabel::resizeEvent(event);
-    updateToolTip();
-}
-
-void Label::updateToolTip() {
-    if (!elided) return;
-    setToolTip(shownText() == onOneLine(text()) ? QString() : plainToolTip(text()));
+bool Label::event(QEvent* event) {
+    // Asked for when it is wanted: to know whether a text is shortened takes long.
+    if (event->type() == QEvent::ToolTip && elided_)
+        setToolTip(shownText() == onOneLine(text()) ? QString() : plainToolTip(text()));
+    return QLabel::event(event);
 }
 
 } // namespace brevane

@@ -5,8 +5,6 @@
 
 #include <QLabel>
 
-#include <map>
-
 namespace brevane {
 
 /// Plain text in one of the theme's styles and colours, which it follows. Wraps, or stays on one
@@ -23,28 +21,25 @@ public:
     /// Replaces the text; equal text changes nothing.
     void setPlainText(const QString& text);
 
+    void setColor(ColorRole color);
+
     /// The text as it is shown, with an ellipsis where it is shortened.
     [[nodiscard]] QString shownText() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
-    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
-    void changeEvent(QEvent* event) override;
+    /// How much of an elided label's width is left to something else, at the trailing side.
+    [[nodiscard]] virtual int trailingSpace() const { return 0; }
+
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void updateToolTip();
-
-    TextStyle style;
-    ColorRole color;
-    bool elided = false;
-
-    // Layouts ask for the same heights many times over, and breaking lines takes long.
-    mutable std::map<int, int> heights; // by width
-    mutable QString measuredText;
+    TextStyle style_;
+    ColorRole color_;
+    bool elided_ = false;
 };
 
 } // namespace brevane

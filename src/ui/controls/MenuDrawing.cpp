@@ -16,16 +16,24 @@ namespace {
 
 constexpr auto destructiveProperty = "brevaneDestructive";
 
-bool isDestructive(const QStyleOptionMenuItem& item, const QWidget* widget) {
+bool destroys(const QStyleOptionMenuItem& item, const QWidget* widget) {
     const auto* menu = qobject_cast<const QMenu*>(widget);
     const QAction* action = menu ? menu->actionAt(item.rect.center()) : nullptr;
-    return action && action->property(destructiveProperty).toBool();
+    return action && isDestructive(*action);
+}
+
+int mnemonicFlag() {
+    return theme().showsMnemonics() ? Qt::TextShowMnemonic : Qt::TextHideMnemonic;
 }
 
 } // namespace
 
-void setDestructive(QAction& action) {
-    action.setProperty(destructiveProperty, true);
+void setDestructive(QObject& item) {
+    item.setProperty(destructiveProperty, true);
+}
+
+bool isDestructive(const QObject& item) {
+    return item.property(destructiveProperty).toBool();
 }
 
 void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item) {
@@ -34,27 +42,24 @@ void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item) {
     if (item.state & QStyle::State_Selected)
         drawRoundedBox(painter, item.rect.adjusted(1, 2, -1, -2), 5, Colors::thinned(c.text, 0.1));
     painter.setPen(c.text);
-    painter.drawText(item.rect, Qt::AlignCenter | Qt::TextHideMnemonic, item.text);
+    painter.drawText(item.rect, Qt::AlignCenter | mnemonicFlag(), item.text);
 }
 
 void drawMenuGround(QPainter& painter, const QStyleOption& option) {
     const Colors& c = theme().colors();
-    painter.fillRect(option.rect, c.popup);
-    drawRoundedBox(painter, option.rect, 0, c.popup, c.outline);
+    drawRoundedBox(painter, option.rect, Theme::cornerRadius, c.popup, c.popupEdge);
 }
 
 void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWidget* menu) {
     const Colors& c = theme().colors();
     const QRect& box = item.rect;
-    // A pop-up button's list has a ground of its own otherwise.
-    painter.fillRect(box, c.popup);
     if (item.menuItemType == QStyleOptionMenuItem::Separator) {
         painter.fillRect(QRect(box.left() + 12, box.center().y(), box.width() - 24, 1), c.line);
         return;
     }
     const bool enabled = item.state & QStyle::State_Enabled;
     const bool selected = enabled && (item.state & QStyle::State_Selected);
-    const bool destructive = isDestructive(item, menu);
+    const bool destructive = destroys(item, menu);
     QColor ink = enabled ? c.text : c.secondary;
     if (destructive) ink = c.red;
     if (selected) {
@@ -71,8 +76,7 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWi
     }
     const QRect text = QStyle::visualRect(item.direction, box, box.adjusted(markWidth, 0, -14, 0));
     const auto parts = item.text.split(QLatin1Char('\t'));
-    painter.drawText(text, int(Qt::AlignVCenter | Qt::AlignLeft) | Qt::TextHideMnemonic,
-                     parts.value(0));
+    painter.drawText(text, int(Qt::AlignVCenter | Qt::AlignLeft) | mnemonicFlag(), parts.value(0));
     painter.drawText(text, Qt::AlignVCenter | Qt::AlignRight, parts.value(1));
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-class QAction;
+class QObject;
 class QPainter;
 class QStyleOption;
 class QStyleOptionMenuItem;
@@ -9,8 +9,9 @@ class QWidget;
 
 namespace brevane {
 
-/// Marks a menu item as one that destroys something, so that it is drawn as a warning.
-void setDestructive(QAction& action);
+/// Marks a menu item or a button as one that destroys something, so that it is drawn as a warning.
+void setDestructive(QObject& item);
+[[nodiscard]] bool isDestructive(const QObject& item);
 
 /// One title in the menu bar.
 void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item);

@@ -3,6 +3,7 @@
 
 #include "Theme.h"
 
+#include <QAbstractItemView>
 #include <QWheelEvent>
 
 namespace brevane {
@@ -12,6 +13,12 @@ PopUp::PopUp(QWidget* parent) : QComboBox(parent) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     setFont(theme().font(TextStyle::body));
     connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
+}
+
+void PopUp::showPopup() {
+    // What is behind the choices is the pop-up's own ground, which is round.
+    view()->viewport()->setAutoFillBackground(false);
+    QComboBox::showPopup();
 }
 
 void PopUp::wheelEvent(QWheelEvent* event) {

@@ -11,6 +11,8 @@ class PopUp : public QComboBox {
 public:
     explicit PopUp(QWidget* parent = nullptr);
 
+    void showPopup() override;
+
 protected:
     void wheelEvent(QWheelEvent* event) override;
 };

@@ -1,31 +1,32 @@
 // SPDX-License-Identifier: MIT
 #include "PushButton.h"
 
-#include "Painting.h"
 #include "Spinner.h"
-#include "Symbol.h"
 
-#include <QPainter>
 #include <QStyle>
-#include <QTimerEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace brevane {
 
 namespace {
 
-constexpr int indicatorSide = 16;
+constexpr int symbolFrame = 16;
+constexpr int indicatorSide = 13;
+constexpr int afterSymbol = 6;
 
 } // namespace
 
-PushButton::PushButton(Kind buttonKind, const QString& text, QWidget* parent)
-    : Button(parent), kind(buttonKind), tint(kind == Kind::prominent ? &Colors::blueFill
-                                             : kind == Kind::link    ? &Colors::blue
-                                                                     : &Colors::text) {
-    setText(text);
+PushButton::PushButton(Kind kind, const QString& text, QWidget* parent)
+    : QPushButton(text, parent), kind_(kind), tint_(kind == Kind::prominent ? &Colors::blueFill
+                                                    : kind == Kind::link    ? &Colors::blue
+                                                                            : &Colors::text) {
     const bool prominent = kind == Kind::prominent;
     setSizePolicy(prominent ? QSizePolicy::Minimum : QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::TabFocus);
+    // Return presses it.
+    setAutoDefault(true);
     const auto style = prominent            ? TextStyle::button
                        : kind == Kind::link ? TextStyle::caption
                                             : TextStyle::body;
@@ -34,92 +35,74 @@ PushButton::PushButton(Kind buttonKind, const QString& text, QWidget* parent)
 }
 
 void PushButton::setSymbol(const QString& name) {
-    if (symbolName == name) return;
-    symbolName = name;
+    if (symbol_ == name) return;
+    symbol_ = name;
     updateGeometry();
     update();
 }
 
 void PushButton::setTint(ColorRole role) {
-    tint = role;
+    if (tint_ == role) return;
+    tint_ = role;
     update();
 }
 
 void PushButton::setBusy(bool on) {
-    if (busy == on) return;
-    busy = on;
-    if (busy)
-        timer.start(Spinner::intervalMs, this);
-    else
-        timer.stop();
+    if (isBusy() == on) return;
+    if (on) {
+        spinner_ =
+            new Spinner(indicatorSide, kind_ == Kind::prominent ? &Colors::onFill : tint_, this);
+        placeSpinner();
+        spinner_->show();
+    } else {
+        delete std::exchange(spinner_, nullptr);
+    }
+    updateGeometry();
     update();
 }
 
 int PushButton::leadingWidth() const {
-    return symbolName.isEmpty() && !busy ? 0 : std::max(indicatorSide, theme().symbolSize(12)) + 6;
+    return symbol_.isEmpty() && !isBusy()
+               ? 0
+               : std::max(symbolFrame, theme().symbolSize(12)) + afterSymbol;
+}
+
+PushButton::Parts PushButton::parts() const {
+    const int textWidth = fontMetrics().horizontalAdvance(text());
+    const int lead = leadingWidth();
+    const QRect content((width() - textWidth - lead) / 2, 0, textWidth + lead, height());
+    const int side = std::max(0, lead - afterSymbol);
+    const auto mirrored = [&](const QRect& box) {
+        return QStyle::visualRect(layoutDirection(), content, box);
+    };
+    return {.symbol = mirrored({content.x(), (height() - side) / 2, side, side}),
+            .text = mirrored(content.adjusted(lead, 0, 1, 0))};
+}
+
+void PushButton::placeSpinner() {
+    if (spinner_ == nullptr) return;
+    QRect box = spinner_->rect();
+    box.moveCenter(parts().symbol.center());
+    spinner_->move(box.topLeft());
+}
+
+void PushButton::resizeEvent(QResizeEvent* event) {
+    QPushButton::resizeEvent(event);
+    placeSpinner();
 }
 
 QSize PushButton::sizeHint() const {
     const int textWidth = fontMetrics().horizontalAdvance(text());
-    const int padding = kind == Kind::link ? 4 : 14;
-    const int height =
-        kind == Kind::prominent ? theme().scaled(34) : theme().scaled(kind == Kind::link ? 20 : 28);
+    const int padding = kind_ == Kind::link ? 4 : 14;
+    const int height = theme().scaled(kind_ == Kind::prominent ? 34
+                                      : kind_ == Kind::link    ? 20
+                                                               : 28);
     return {textWidth + leadingWidth() + 2 * padding, std::max(height, fontMetrics().height() + 4)};
 }
 
-void PushButton::drawGround(QPainter& painter) const {
-    const Colors& c = theme().colors();
-    const bool hovered = isHovered();
-    if (kind == Kind::prominent) {
-        drawRoundedBox(painter, rect(), Theme::cornerRadius + 1, theme().color(tint));
-        if (isDown() || hovered)
-            drawRoundedBox(painter, rect(), Theme::cornerRadius + 1,
-                           QColor(0, 0, 0, isDown() ? 46 : 18));
-    } else {
-        if (kind == Kind::plain)
-            drawRoundedBox(painter, rect(), Theme::cornerRadius, c.button, c.outline);
-        if (isDown() || hovered)
-            drawRoundedBox(painter, rect(), Theme::cornerRadius,
-                           Colors::thinned(c.text, isDown() ? 0.14 : 0.06));
-    }
-}
-
-void PushButton::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setOpacity(isEnabled() || busy ? 1 : 0.45);
-    drawGround(painter);
-    const Colors& c = theme().colors();
-    const QColor ink = kind == Kind::prominent ? c.onFill : theme().color(tint);
-    const int textWidth = fontMetrics().horizontalAdvance(text());
-    const int lead = leadingWidth();
-    const QRect content((width() - textWidth - lead) / 2, 0, textWidth + lead, height());
-    if (lead > 0) {
-        const int side = lead - 6;
-        const QRect box = QStyle::visualRect(layoutDirection(), content,
-                                             {content.x(), (height() - side) / 2, side, side});
-        if (busy)
-            Spinner::draw(painter, QRectF(box).adjusted(1.5, 1.5, -1.5, -1.5), step, ink);
-        else
-            drawSymbol(painter, box, symbolName, ink, theme().symbolSize(12));
-    }
-    painter.setPen(ink);
-    const QRect textBox =
-        QStyle::visualRect(layoutDirection(), content, content.adjusted(lead, 0, 1, 0));
-    painter.drawText(textBox, Qt::AlignVCenter | Qt::AlignLeft, text());
-    if (showsFocus()) {
-        // A ring inside a filled button would not stand out against its colour.
-        if (kind == Kind::prominent)
-            drawRoundedBox(painter, rect().adjusted(2, 2, -2, -2), Theme::cornerRadius - 1,
-                           Qt::NoBrush, c.onFill, 1.5);
-        else
-            drawFocusRing(painter, rect(), Theme::cornerRadius);
-    }
-}
-
-void PushButton::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != timer.timerId()) return Button::timerEvent(event);
-    step = (step + 1) % Spinner::steps;
-    update();
+// Qt asks a widget that is disabled under the focus to hand it on.
+bool PushButton::focusNextPrevChild(bool next) {
+    return !isEnabled() || QPushButton::focusNextPrevChild(next);
 }
 
 } // namespace brevane

@@ -1,15 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Button.h"
 #include "Theme.h"
 
-#include <QBasicTimer>
+#include <QPushButton>
 
 namespace brevane {
 
-/// A button with a text, and before it a symbol or a progress indicator.
-class PushButton : public Button {
+class Spinner;
+
+/// A button with a text, and before it a symbol or a progress indicator. Drawn by the style. Keeps
+/// the keyboard's focus while it is disabled under it.
+class PushButton : public QPushButton {
     Q_OBJECT
 public:
     enum class Kind {
@@ -20,33 +22,40 @@ public:
 
     explicit PushButton(Kind kind, const QString& text = {}, QWidget* parent = nullptr);
 
+    [[nodiscard]] Kind kind() const { return kind_; }
+
     void setSymbol(const QString& name);
-    [[nodiscard]] const QString& symbol() const { return symbolName; }
+    [[nodiscard]] const QString& symbol() const { return symbol_; }
 
     /// The ground of a prominent button, or the ink of any other.
     void setTint(ColorRole role);
+    [[nodiscard]] ColorRole tint() const { return tint_; }
 
     /// Shows a progress indicator in place of the symbol.
     void setBusy(bool on);
-    [[nodiscard]] bool isBusy() const { return busy; }
+    [[nodiscard]] bool isBusy() const { return spinner_ != nullptr; }
+
+    /// Where symbol and text are drawn; the first is empty without a symbol.
+    struct Parts {
+        QRect symbol, text;
+    };
+    [[nodiscard]] Parts parts() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
-    void paintEvent(QPaintEvent* event) override;
-    void timerEvent(QTimerEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     [[nodiscard]] int leadingWidth() const;
-    void drawGround(QPainter& painter) const;
+    void placeSpinner();
 
-    Kind kind;
-    ColorRole tint;
-    QString symbolName;
-    bool busy = false;
-    QBasicTimer timer;
-    int step = 0;
+    Kind kind_;
+    ColorRole tint_;
+    QString symbol_;
+    Spinner* spinner_ = nullptr;
 };
 
 } // namespace brevane

@@ -2,12 +2,12 @@
 #include "SegmentedControl.h"
 
 #include "Painting.h"
-#include "SegmentButton.h"
 #include "Theme.h"
 
 #include <QEasingCurve>
 #include <QHBoxLayout>
 #include <QPainter>
+#include <QPushButton>
 #include <QStyle>
 
 #include <algorithm>
@@ -20,45 +20,72 @@ constexpr int inset = 2;
 
 } // namespace
 
+/// One choice. The control draws the ground that moves under the choices.
+class SegmentedControl::Segment : public QPushButton {
+public:
+    explicit Segment(const QString& label, QWidget* parent) : QPushButton(label, parent) {
+        setCheckable(true);
+        setAutoExclusive(true);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+        setFont(theme().font(TextStyle::body));
+        connect(&theme(), &Theme::changed, this,
+                [this] { setFont(theme().font(TextStyle::body)); });
+    }
+
+    [[nodiscard]] QSize sizeHint() const override {
+        return {fontMetrics().horizontalAdvance(text()) + 16, fontMetrics().height() + 6};
+    }
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.setPen(theme().color(isChecked() ? &Colors::text : &Colors::secondary));
+        painter.drawText(rect(), Qt::AlignCenter, text());
+        if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
+            drawFocusRing(painter, rect(), Theme::cornerRadius - 1);
+    }
+};
+
 SegmentedControl::SegmentedControl(const QStringList& labels, QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(inset, inset, inset, inset);
     layout->setSpacing(0);
     for (int index = 0; index < labels.size(); ++index) {
-        auto* button = new SegmentButton(labels[index], this);
-        button->setFocusPolicy(Qt::NoFocus);
-        buttons.addButton(button, index);
-        layout->addWidget(button, 1);
+        auto* segment = new Segment(labels[index], this);
+        segment->setFocusPolicy(Qt::NoFocus);
+        segments_.addButton(segment, index);
+        layout->addWidget(segment, 1);
     }
-    slide.setEasingCurve(QEasingCurve::OutCubic);
-    slide.setStartValue(0.0);
-    slide.setEndValue(0.0);
-    connect(&slide, &QVariantAnimation::valueChanged, this, [this] { update(); });
-    connect(&buttons, &QButtonGroup::idToggled, this, [this](int index, bool checked) {
+    slide_.setEasingCurve(QEasingCurve::OutCubic);
+    slide_.setStartValue(0.0);
+    slide_.setEndValue(0.0);
+    connect(&slide_, &QVariantAnimation::valueChanged, this, [this] { update(); });
+    connect(&segments_, &QButtonGroup::idToggled, this, [this](int index, bool checked) {
         // The whole control is one stop of the keyboard; arrows go on from there.
-        buttons.button(index)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
+        segments_.button(index)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
         if (!checked) return;
         slideTo(index);
         Q_EMIT currentIndexChanged(index);
     });
-    buttons.button(0)->setChecked(true);
+    segments_.button(0)->setChecked(true);
 }
 
 void SegmentedControl::setCurrentIndex(int index) {
-    buttons.button(index)->setChecked(true);
+    segments_.button(index)->setChecked(true);
 }
 
 void SegmentedControl::slideTo(int index) {
-    slide.stop();
-    slide.setStartValue(slide.currentValue());
-    slide.setEndValue(static_cast<double>(index));
-    slide.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
-    if (isVisible() && slide.duration() > 0) {
-        slide.start();
+    slide_.stop();
+    slide_.setStartValue(slide_.currentValue());
+    slide_.setEndValue(static_cast<double>(index));
+    slide_.setDuration(style()->styleHint(QStyle::SH_Widget_Animation_Duration, nullptr, this));
+    if (isVisible() && slide_.duration() > 0) {
+        slide_.start();
     } else {
-        slide.setStartValue(static_cast<double>(index));
-        slide.setCurrentTime(slide.duration());
+        slide_.setStartValue(static_cast<double>(index));
+        slide_.setCurrentTime(slide_.duration());
     }
 }
 
@@ -71,9 +98,9 @@ void SegmentedControl::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const Colors& c = theme().colors();
     drawRoundedBox(painter, rect(), Theme::cornerRadius + 1, c.track);
-    const auto count = static_cast<double>(buttons.buttons().size());
+    const auto count = static_cast<double>(segments_.buttons().size());
     const double segmentWidth = (width() - 2.0 * inset) / count;
-    double position = slide.currentValue().toDouble();
+    double position = slide_.currentValue().toDouble();
     if (layoutDirection() == Qt::RightToLeft) position = count - 1 - position;
     drawRoundedBox(
         painter,

@@ -15,7 +15,7 @@ public:
     explicit SegmentedControl(const QStringList& labels, QWidget* parent = nullptr);
 
     void setCurrentIndex(int index);
-    [[nodiscard]] int currentIndex() const { return buttons.checkedId(); }
+    [[nodiscard]] int currentIndex() const { return segments_.checkedId(); }
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -26,10 +26,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    class Segment;
+
     void slideTo(int index);
 
-    QButtonGroup buttons;
-    QVariantAnimation slide;
+    QButtonGroup segments_;
+    QVariantAnimation slide_;
 };
 
 } // namespace brevane

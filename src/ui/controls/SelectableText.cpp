@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "SelectableText.h"
 
+#include <QFocusFrame>
 #include <QKeyEvent>
 #include <QLocale>
+#include <QPointer>
 #include <QResizeEvent>
 #include <QTextDocument>
 #include <QTextEdit>
@@ -51,6 +53,17 @@ public:
     }
 
 protected:
+    void focusInEvent(QFocusEvent* event) override {
+        QTextEdit::focusInEvent(event);
+        if (event->reason() == Qt::MouseFocusReason) return;
+        if (!ring_) ring_ = new QFocusFrame(this);
+        ring_->setWidget(this);
+    }
+    void focusOutEvent(QFocusEvent* event) override {
+        QTextEdit::focusOutEvent(event);
+        if (ring_) ring_->setWidget(nullptr);
+    }
+
     void keyPressEvent(QKeyEvent* event) override {
         const int key = event->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Escape)
@@ -58,6 +71,10 @@ protected:
         else
             QTextEdit::keyPressEvent(event);
     }
+
+private:
+    // Around the text, which reaches to the edge. Qt gives it to a widget above this one.
+    QPointer<QFocusFrame> ring_;
 };
 
 SelectableText::SelectableText(const QString& spokenName, TextStyle textStyle, ColorRole textColor,

@@ -2,53 +2,53 @@
 #include "Spinner.h"
 
 #include "Accessibility.h"
-#include "Theme.h"
 
 #include <QPainter>
 #include <QTimerEvent>
 
 namespace brevane {
 
-Spinner::Spinner(int side, QWidget* parent) : QWidget(parent) {
+namespace {
+
+constexpr int steps = 8;
+constexpr int intervalMs = 100;
+
+} // namespace
+
+Spinner::Spinner(int side, ColorRole color, QWidget* parent) : QWidget(parent), color_(color) {
     setFixedSize(side, side);
     setAccessibleRole(*this, QAccessible::Animation);
     setAccessibleName(tr("Busy"));
 }
 
-void Spinner::draw(QPainter& painter, const QRectF& box, int step, const QColor& color) {
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.translate(box.center());
-    const double length = box.height() * 0.3;
-    const double width = box.height() * 0.13;
-    for (int spoke = 0; spoke < steps; ++spoke) {
-        painter.setOpacity(1 - 0.11 * ((steps + step - spoke) % steps));
-        painter.drawRoundedRect(QRectF(-width / 2, -box.height() / 2, width, length), width / 2,
-                                width / 2);
-        painter.rotate(360.0 / steps);
-    }
-    painter.restore();
-}
-
 void Spinner::showEvent(QShowEvent*) {
-    timer.start(intervalMs, this);
+    timer_.start(intervalMs, this);
 }
 
 void Spinner::hideEvent(QHideEvent*) {
-    timer.stop();
+    timer_.stop();
 }
 
 void Spinner::timerEvent(QTimerEvent* event) {
-    if (event->timerId() != timer.timerId()) return QWidget::timerEvent(event);
-    step = (step + 1) % steps;
+    if (event->timerId() != timer_.timerId()) return QWidget::timerEvent(event);
+    step_ = (step_ + 1) % steps;
     update();
 }
 
 void Spinner::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    draw(painter, rect(), step, theme().color(&Colors::secondary));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme().color(color_));
+    painter.translate(QRectF(rect()).center());
+    const double length = height() * 0.3;
+    const double width = height() * 0.13;
+    for (int spoke = 0; spoke < steps; ++spoke) {
+        painter.setOpacity(1 - 0.11 * ((steps + step_ - spoke) % steps));
+        painter.drawRoundedRect(QRectF(-width / 2, -height() / 2.0, width, length), width / 2,
+                                width / 2);
+        painter.rotate(360.0 / steps);
+    }
 }
 
 } // namespace brevane

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Theme.h"
+
 #include <QBasicTimer>
 #include <QWidget>
-
-class QPainter;
-class QRectF;
 
 namespace brevane {
 
@@ -13,13 +12,7 @@ namespace brevane {
 class Spinner : public QWidget {
     Q_OBJECT
 public:
-    explicit Spinner(int side, QWidget* parent = nullptr);
-
-    /// The indicator turned by `step` eighths.
-    static void draw(QPainter& painter, const QRectF& box, int step, const QColor& color);
-
-    static constexpr int steps = 8;
-    static constexpr int intervalMs = 100;
+    explicit Spinner(int side, ColorRole color = &Colors::secondary, QWidget* parent = nullptr);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -28,8 +21,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    QBasicTimer timer;
-    int step = 0;
+    ColorRole color_;
+    QBasicTimer timer_;
+    int step_ = 0;
 };
 
 } // namespace brevane

@@ -1,13 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "Style.h"
 
+#include "ButtonDrawing.h"
 #include "FieldDrawing.h"
+#include "IconButton.h"
 #include "MenuDrawing.h"
 #include "Painting.h"
+#include "PushButton.h"
 #include "Symbol.h"
 #include "Theme.h"
 
 #include <QAbstractButton>
+#include <QMenu>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyleOption>
@@ -16,12 +20,26 @@
 
 namespace brevane {
 
+namespace {
+
+bool isPopUp(const QWidget* widget) {
+    return qobject_cast<const QMenu*>(widget) ||
+           (widget != nullptr && widget->inherits("QComboBoxPrivateContainer"));
+}
+
+} // namespace
+
 Style::Style() : QProxyStyle(QStringLiteral("Fusion")) {}
 
 void Style::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
     // The ground behind a scroll bar is that of what it scrolls.
     if (qobject_cast<QScrollBar*>(widget)) widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
+    if (isPopUp(widget)) {
+        widget->setAttribute(Qt::WA_TranslucentBackground);
+        // The system's shadow would be that of a rectangle.
+        widget->setWindowFlag(Qt::NoDropShadowWindowHint);
+    }
 }
 
 void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
@@ -33,6 +51,7 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
         return drawCheckMark(*painter, *option);
     case PE_PanelMenu:
         return drawMenuGround(*painter, *option);
+    // The edge belongs to the ground.
     case PE_FrameMenu:
         return;
     case PE_FrameFocusRect:
@@ -57,9 +76,23 @@ void Style::drawControl(ControlElement element, const QStyleOption* option, QPai
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
             drawMenuTitle(*painter, *item);
         return;
+    case CE_FocusFrame:
+        return drawFocusRing(*painter, option->rect, Theme::cornerRadius);
+    case CE_ShapedFrame:
+        if (isPopUp(widget)) return drawMenuGround(*painter, *option);
+        return QProxyStyle::drawControl(element, option, painter, widget);
+    case CE_MenuEmptyArea:
+        return;
     case CE_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option))
             drawMenuItem(*painter, *item, widget);
+        return;
+    case CE_PushButton:
+        if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+            if (const auto* own = qobject_cast<const PushButton*>(widget))
+                return drawPushButton(*painter, *button, *own);
+            return drawDialogButton(*painter, *button, widget != nullptr && isDestructive(*widget));
+        }
         return;
     case CE_ComboBoxLabel:
         if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option))
@@ -74,6 +107,10 @@ void Style::drawControl(ControlElement element, const QStyleOption* option, QPai
 void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                QPainter* painter, const QWidget* widget) const {
     if (control == CC_ComboBox) return drawPopUpButton(*painter, *option);
+    if (control == CC_ToolButton)
+        if (const auto* own = qobject_cast<const IconButton*>(widget))
+            return drawIconButton(*painter, *static_cast<const QStyleOptionToolButton*>(option),
+                                  *own);
     if (control == CC_ScrollBar)
         return drawScrollBar(
             *painter, *option,
@@ -103,6 +140,11 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option,
         return 1;
     case PM_ScrollBarExtent:
         return 10;
+    case PM_FocusFrameHMargin:
+    case PM_FocusFrameVMargin:
+        return 3;
+    case PM_MenuPanelWidth:
+        return 1;
     case PM_MenuVMargin:
         return 5;
     case PM_ButtonShiftHorizontal:
@@ -119,8 +161,9 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
     case SH_ComboBox_Popup:
         return 1;
     case SH_EtchDisabledText:
-    case SH_UnderlineShortcut:
         return 0;
+    case SH_UnderlineShortcut:
+        return theme().showsMnemonics();
     // A click beside the handle goes there.
     case SH_ScrollBar_LeftClickAbsolutePosition:
         return 1;
@@ -138,6 +181,10 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
     case CT_LineEdit:
     case CT_ComboBox:
         result.setHeight(std::max(theme().scaled(28), lineHeight() + 10));
+        break;
+    case CT_PushButton:
+        result =
+            result.expandedTo({theme().scaled(84), std::max(theme().scaled(30), lineHeight() + 8)});
         break;
     case CT_MenuBarItem:
         result.setHeight(std::max(26, lineHeight() + 8));
@@ -158,6 +205,10 @@ QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex* o
                             SubControl part, const QWidget* widget) const {
     if (control == CC_ComboBox && part == SC_ComboBoxEditField)
         return visualRect(option->direction, option->rect, option->rect.adjusted(9, 0, -28, 0));
+    // One that has a menu opens it with a click anywhere.
+    if (control == CC_ToolButton && part == SC_ToolButtonMenu &&
+        qobject_cast<const IconButton*>(widget))
+        return {};
     if (control == CC_ScrollBar)
         if (const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option))
             return scrollBarPart(*slider, part);

@@ -30,8 +30,8 @@ QPixmap symbolPixmap(const QString& name, const QColor& color, int size, double 
 void drawSymbol(QPainter& painter, const QRect& box, const QString& name, const QColor& color,
                 int size) {
     const QPoint corner(box.x() + (box.width() - size) / 2, box.y() + (box.height() - size) / 2);
-    painter.drawPixmap(corner,
-                       symbolPixmap(name, color, size, painter.device()->devicePixelRatioF()));
+    // The painter's device is the widget, also when that is drawn into a picture of another ratio.
+    painter.drawPixmap(corner, symbolPixmap(name, color, size, painter.deviceTransform().m11()));
 }
 
 } // namespace brevane

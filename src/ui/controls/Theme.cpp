@@ -8,6 +8,9 @@
 #include <QEvent>
 #include <QFontDatabase>
 #include <QFontMetrics>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QScreen>
 #include <QToolTip>
 
@@ -118,8 +121,30 @@ void Theme::setDark(bool isDark) {
 }
 
 bool Theme::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == qApp && event->type() == QEvent::ApplicationFontChange) Q_EMIT changed();
+    switch (event->type()) {
+    case QEvent::ApplicationFontChange:
+        if (watched == qApp) Q_EMIT changed();
+        break;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Alt)
+            setMnemonics(event->type() == QEvent::KeyPress);
+        break;
+    // Alt may be released in another window.
+    case QEvent::WindowDeactivate:
+        setMnemonics(false);
+        break;
+    default:
+        break;
+    }
     return QObject::eventFilter(watched, event);
+}
+
+void Theme::setMnemonics(bool on) {
+    if (mnemonics == on) return;
+    mnemonics = on;
+    for (QWidget* widget : QApplication::allWidgets())
+        if (qobject_cast<QMenuBar*>(widget) || qobject_cast<QMenu*>(widget)) widget->update();
 }
 
 QPalette Theme::palette() const {

@@ -76,6 +76,9 @@ public:
     /// Waits for the desktop to say whether it is light or dark, so that the first frame is right.
     void awaitDesktop() const;
 
+    /// Whether the letters that open menus are underlined: while Alt is held.
+    [[nodiscard]] bool showsMnemonics() const { return mnemonics; }
+
     /// Leaves the desktop's scheme for a fixed one.
     void setDark(bool isDark);
 
@@ -89,9 +92,11 @@ protected:
 private:
     [[nodiscard]] QPalette palette() const;
     [[nodiscard]] double textScale() const;
+    void setMnemonics(bool on);
 
     SystemAppearance* appearance = nullptr;
     bool dark = false;
+    bool mnemonics = false;
 };
 
 /// The theme in use.

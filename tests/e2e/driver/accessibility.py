@@ -146,3 +146,26 @@ class Element:
         """Replaces the text that it holds."""
         Atspi.EditableText.set_text_contents(self.accessible.get_editable_text_iface(), text)
         until(f"{self} to hold {text!r}", lambda: self.text == text)
+
+
+class Announcements:
+    """What a program says of itself, unasked: each notification that comes into sight."""
+
+    def __init__(self, pid):
+        self.pid = pid
+        self.texts = []
+        self.listener = Atspi.EventListener.new(self.hear)
+        self.listener.register("object:state-changed:showing")
+
+    def hear(self, event, *_):
+        source = Element(event.source)
+        if event.detail1 == 1 and source.role == "notification" and source.pid == self.pid:
+            self.texts.append(source.name)
+
+    def heard(self, text):
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return text in self.texts
+
+    def end(self):
+        self.listener.deregister("object:state-changed:showing")
