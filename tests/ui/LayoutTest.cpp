@@ -85,7 +85,7 @@ TEST_F(LayoutTest, BothHeadersKeepFourteenOnAllSidesInAWideFont) {
         EXPECT_EQ(place(*caption, *right).bottom() + 1, right->height() - 14) << family;
         EXPECT_EQ(left->height(), right->height());
         EXPECT_EQ(place(*left->findChild<TailscaleIcon*>(), *left).left(), 14);
-        EXPECT_EQ(place(*button("Refresh (Ctrl+R)"), *left).right() + 1, left->width() - 14);
+        EXPECT_EQ(place(*button(refreshButton), *left).right() + 1, left->width() - 14);
     }
 }
 
