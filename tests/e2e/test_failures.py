@@ -71,7 +71,7 @@ def test_a_file_share_that_fails_leaves_no_server(window, application, tailnet, 
         window.fill("Directory", str(tmp_path))
         window.start()
         assert window.await_error() == "no luck"
-    assert application.managed() is None
+    assert application.managed() == {}
 
 
 def test_a_failure_without_words_has_the_exit_status(window, tailnet):
