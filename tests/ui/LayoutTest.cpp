@@ -70,6 +70,8 @@ TEST_F(PopUpLookTest, AListOfChoicesIsRoundAndHasAnEdgeOnAllSides) {
     QWidget* popUp = QApplication::activePopupWidget();
     ASSERT_NE(popUp, nullptr);
     expectRoundAndEdged(*popUp);
+    const QImage image = popUp->grab().toImage();
+    EXPECT_EQ(image.pixelColor(image.width() - 12, image.height() - 20), theme().colors().popup);
     picker->hidePopup();
 }
 

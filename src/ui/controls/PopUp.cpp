@@ -16,8 +16,12 @@ PopUp::PopUp(QWidget* parent) : QComboBox(parent) {
 }
 
 void PopUp::showPopup() {
-    // What is behind the choices is the pop-up's own ground, which is round.
+    // What is behind the choices is the pop-up's own ground, which is round. Each choice fills its
+    // place with the window's color first.
     view()->viewport()->setAutoFillBackground(false);
+    QPalette palette = view()->palette();
+    palette.setColor(QPalette::Window, theme().color(&Colors::popup));
+    view()->setPalette(palette);
     QComboBox::showPopup();
 }
 
