@@ -27,7 +27,8 @@ SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
         connect(item, &QAction::triggered, this,
                 [this, chosen = target] { Q_EMIT resetRequested(chosen); });
     }
-    // Says that there is a menu. It opens from here, as the button would wait for it to close.
+    // For screen readers, which say that there is a menu. It opens from here: the button would wait
+    // for it to close.
     more->setMenu(menu);
     more->setPopupMode(QToolButton::MenuButtonPopup);
     connect(more, &IconButton::clicked, this, [more, menu] {

@@ -130,6 +130,11 @@ TEST_F(KeyboardTest, TheModesAreANamedGroup) {
 TEST_F(KeyboardTest, TheResetButtonSaysThatItHasAMenu) {
     auto* reset = QAccessible::queryAccessibleInterface(button("Reset Shares"));
     EXPECT_TRUE(reset->state().hasPopup);
+    EXPECT_EQ(reset->role(), QAccessible::ButtonMenu);
+    // The reader gets its answer at once, not when the menu closes.
+    reset->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    QApplication::activePopupWidget()->close();
 }
 
 TEST_F(KeyboardTest, TheFocusStaysAtTheStartButton) {

@@ -7,6 +7,10 @@ class QWidget;
 
 namespace brevane {
 
+/// Has screen readers ask Brevane's own interfaces where Qt's would harm. Called once, before any
+/// widget is made.
+void installAccessibleInterfaces();
+
 /// Gives a widget another role than its class has, for screen readers. Its name stays the widget's
 /// accessible name. Called before the widget gets that name, with which its role becomes fixed.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Theme.h"
 
+#include "Accessibility.h"
 #include "Style.h"
 #include "SystemAppearance.h"
 
@@ -56,6 +57,7 @@ double pixelSize(const QFont& font) {
 Theme::Theme(Scheme scheme) : dark(scheme == Scheme::dark) {
     Q_ASSERT(instance == nullptr);
     instance = this;
+    installAccessibleInterfaces();
     if (scheme == Scheme::system) {
         appearance = new SystemAppearance(this);
         dark = appearance->isDark();
