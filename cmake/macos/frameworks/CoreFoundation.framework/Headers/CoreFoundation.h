@@ -59,6 +59,9 @@ CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding enc
                          UInt8 lossByte, Boolean isExternalRepresentation, UInt8* buffer,
                          CFIndex capacity, CFIndex* used);
 
+Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
+                           CFStringEncoding encoding);
+
 CFTypeID CFDictionaryGetTypeID(void);
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* keyCallBacks,
