@@ -1,8 +1,10 @@
 # SPDX-License-Identifier: MIT
 """What script/bootstrap installs on Debian, with stand-ins for dpkg-query and apt-get."""
 
+import os
 import shutil
 import subprocess
+import tempfile
 from pathlib import Path
 
 import pytest
@@ -43,11 +45,11 @@ class Debian:
     def known(self, *names):
         (self.folder / "known").write_text("".join(name + "\n" for name in names))
 
-    def bootstrap(self, *words, **environment):
+    def bootstrap(self, *words, user=None, **environment):
         environment = {"PATH": f"{self.folder}/bin:/usr/bin:/bin", "HERE": str(self.folder), "LC_ALL": "C.UTF-8"} | environment
         result = subprocess.run(
             [self.project / "script/bootstrap", *words],
-            env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
+            user=user, env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
         )
         return result.returncode, result.stdout + result.stderr
 
@@ -95,6 +97,19 @@ def test_the_later_name_is_taken_where_the_first_is_unknown(debian):
     status, words = debian.bootstrap("package")
     assert status == 0, words
     assert debian.asked_for()[0][-2:] == ["libboost-dev", "libboost-url-dev"]
+
+
+@pytest.mark.skipif(os.geteuid() != 0, reason="only root can become someone else")
+def test_whoever_may_not_install_is_told_what_root_has_to_run():
+    with tempfile.TemporaryDirectory() as folder:
+        os.chmod(folder, 0o755)
+        debian = Debian(Path(folder) / "Debian")
+        debian.known("libboost1.81-dev")
+        status, words = debian.bootstrap("package", user=65534, SUDO_STATUS="1")
+        assert status == 1
+        assert "needs root or sudo" in words
+        assert "'apt-get install cmake dpkg-dev file g++ gzip libboost1.81-dev libfontconfig-dev ninja-build" in words
+        assert debian.asked_for() == []
 
 
 def test_a_failure_of_apt_get_is_told(debian):
