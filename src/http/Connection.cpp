@@ -39,7 +39,7 @@ void Connection::receive() {
 
 void Connection::take(std::string_view bytes) {
     folder_ = listening_.lock();
-    if (!folder_) return close();
+    if (!folder_ || !folder_->isServed) return close();
 
     const std::size_t searched = bytes_.size();
     if (searched > 0) {

@@ -15,6 +15,7 @@ FileHTTPServer::FileHTTPServer(std::string_view directory, ServerPool& pool)
 
 FileHTTPServer::~FileHTTPServer() {
     listener.reset();
+    if (folder_) folder_->isServed = false;
 }
 
 std::expected<std::int64_t, std::error_code>

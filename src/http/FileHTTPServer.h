@@ -45,7 +45,7 @@ public:
 private:
     std::string root_;
     ServerPool& pool_;
-    std::shared_ptr<const ServedFolder> folder_; // none until `startListener`
+    std::shared_ptr<ServedFolder> folder_; // none until `startListener`
 };
 
 } // namespace brevane

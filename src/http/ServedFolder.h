@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -9,12 +10,13 @@ namespace brevane {
 class Loaders;
 class ServerThreads;
 
-/// What the connections of one server share. A connection that finds it gone while it still reads
-/// its request ends; one that answers keeps it.
+/// What the connections of one server share. A connection that still reads its request when the
+/// server ends is closed; one that answers keeps the folder until it has finished.
 struct ServedFolder {
     std::string root; ///< a standardized path
     ServerThreads& threads;
     std::shared_ptr<Loaders> loaders;
+    std::atomic<bool> isServed = true; ///< until the server ends
 };
 
 } // namespace brevane

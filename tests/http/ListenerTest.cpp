@@ -96,6 +96,22 @@ TEST_F(Listener, ARequestStillBeingReadEndsWithItsServer) {
     EXPECT_EQ(client.receiveAll(), "");
 }
 
+TEST_F(Listener, ARequestStillBeingReadEndsWithItsServerWhileAResponseIsUnderWay) {
+    const std::string content(50'000'000, 'l');
+    writeFile(root / "large.txt", content);
+    auto dropped = std::make_unique<FileHTTPServer>(root.string(), pool());
+    const auto port = dropped->startListener(0).value();
+    Client reading(port);
+    reading.send("GET / HTTP/1.1\r\n");
+    Client answered(port);
+    answered.send("GET /large.txt HTTP/1.1\r\n\r\n");
+    EXPECT_EQ(answered.receive(15), "HTTP/1.1 200 OK");
+    dropped.reset();
+    reading.send("\r\n");
+    EXPECT_EQ(reading.receiveAll(), "");
+    EXPECT_TRUE(answered.receiveAll().ends_with(content.substr(0, 1000)));
+}
+
 #ifdef __linux__
 // The socket of this process that listens on the port.
 int listeningSocket(std::int64_t port) {
