@@ -26,7 +26,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds patience{1};
+constexpr std::chrono::seconds longestSilence{1};
 
 // Where nobody can listen: connecting fails at once.
 constexpr const char* nowhere = "unix:path=/dev/null";
@@ -146,7 +146,7 @@ private:
     }
 
     Descriptor socket_{::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)};
-    Clock::time_point deadline_ = Clock::now() + patience;
+    Clock::time_point deadline_ = Clock::now() + longestSilence;
     std::string received_;
 };
 

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <optional>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -52,8 +53,9 @@ std::string nameFor(const std::filesystem::path& preferences) {
     for (const char byte : path.native())
         hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
     std::array<char, 16> digits{};
-    const auto end = std::to_chars(digits.begin(), digits.end(), hash, 16).ptr;
-    return "brevane-" + std::string(digits.begin(), end);
+    const char* const end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), hash, 16).ptr;
+    return "brevane-" + std::string(std::string_view(digits.data(), end));
 }
 
 } // namespace

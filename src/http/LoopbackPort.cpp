@@ -15,7 +15,7 @@ namespace brevane {
 
 namespace {
 
-Descriptor openSocket(int family) {
+Descriptor probeSocket(int family) {
     Descriptor opened(::socket(family, SOCK_STREAM, 0));
     if (opened.isOpen()) ::fcntl(opened.get(), F_SETFD, FD_CLOEXEC);
     return opened;
@@ -41,7 +41,7 @@ sockaddr_in6 ipv6Loopback(std::uint16_t port) {
 template <class Address>
 bool answers(int family, const Address& address) {
     constexpr int milliseconds = 50;
-    const Descriptor client = openSocket(family);
+    const Descriptor client = probeSocket(family);
     if (!client.isOpen()) return false;
     ::fcntl(client.get(), F_SETFL, O_NONBLOCK);
     if (::connect(client.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
@@ -56,7 +56,7 @@ bool answers(int family, const Address& address) {
 
 // Without address reuse the system passes over what is taken on any address.
 std::expected<std::uint16_t, std::error_code> freePort() {
-    const Descriptor probe = openSocket(AF_INET);
+    const Descriptor probe = probeSocket(AF_INET);
     sockaddr_in address = ipv4Loopback(0);
     socklen_t size = sizeof address;
     if (!probe.isOpen() ||

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <ranges>
 #include <tuple>
 #include <utility>
 
@@ -67,7 +68,7 @@ ShareList::Section ShareList::makeSection(const QString& title, const QString& s
 void ShareList::setShares(std::vector<ServeEntry> entries,
                           const ManagedServers::InfoMap& managedServers) {
     const auto focused = focusedPlace();
-    QPointer<ShareRowView> focusedRow = focused ? rows_[focused->index] : nullptr;
+    const QPointer<ShareRowView> focusedRow = focused ? rows_[focused->index] : nullptr;
     const int scrolled = verticalScrollBar()->value();
     // The rows in view with where they are, from the topmost.
     std::vector<std::pair<QPointer<ShareRowView>, int>> inView;
@@ -146,9 +147,9 @@ void ShareList::orderFocus() {
     // Only what takes the focus can be a place in that order.
     setFocusPolicy(Qt::TabFocus);
     // From the last to the first, since Qt searches what lies between a control and its new place.
-    for (auto row = rows_.rbegin(); row != rows_.rend(); ++row) {
-        setTabOrder(this, (*row)->stopButton());
-        setTabOrder(this, (*row)->copyButton());
+    for (ShareRowView* row : std::ranges::reverse_view(rows_)) {
+        setTabOrder(this, row->stopButton());
+        setTabOrder(this, row->copyButton());
     }
     setFocusPolicy(Qt::NoFocus);
 }

@@ -80,7 +80,7 @@ void drawDialogButton(QPainter& painter, const QStyleOptionButton& option, bool 
     painter.setPen(theme().color(isDestructive ? &Colors::onFill : &Colors::text));
     painter.drawText(option.rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text);
     // What Return will do shows, whether or not the keyboard has been used before.
-    QStyleOption answer = option;
+    QStyleOptionButton answer = option;
     if (answer.state & QStyle::State_HasFocus) answer.state |= QStyle::State_KeyboardFocusChange;
     drawFocus(painter, answer, kind);
 }
