@@ -4,29 +4,18 @@
 import pytest
 
 from conftest import STATUS
-from driver.accessibility import Announcements
-from driver.waiting import until
-
 SERVE = {"Web": {"host.example.ts.net:443": {"Handlers": {"/": {"Proxy": "http://127.0.0.1:3000"}}}}}
 
 
 @pytest.fixture
 def window(user):
     user.answer(STATUS, SERVE)
-    child = user.start()
-    window = user.window(child)
-    window.announcements = Announcements(child.pid)
-    yield window
-    window.announcements.end()
-
-
-def await_announcement(window, text):
-    until(f"the announcement of {text!r}", lambda: window.announcements.heard(text))
+    return user.window(user.start())
 
 
 def test_a_toast_is_announced(window):
     window.await_row("https://host.example.ts.net").find("Copy URL").press()
-    await_announcement(window, "URL copied!")
+    window.await_announcement("URL copied!")
 
 
 def test_an_error_of_the_form_is_announced(window, user):
@@ -34,7 +23,7 @@ def test_an_error_of_the_form_is_announced(window, user):
     window.await_idle()
     user.tailscale("echo no such port; exit 1")
     window.start()
-    await_announcement(window, "no such port")
+    window.await_announcement("no such port")
 
 
 def test_an_error_of_the_list_is_announced(window, user):
@@ -42,4 +31,4 @@ def test_an_error_of_the_list_is_announced(window, user):
     window.await_idle()
     user.tailscale("echo cannot be stopped; exit 1")
     window.stop(row)
-    await_announcement(window, "cannot be stopped")
+    window.await_announcement("cannot be stopped")

@@ -3,6 +3,8 @@
 
 import hashlib
 import os
+from pathlib import Path
+from urllib.parse import quote
 
 import pytest
 
@@ -54,6 +56,17 @@ def test_a_file_is_found_below_its_address_which_lists_its_folder(window, tailne
         assert tailnet.fetch("/big.bin/big.bin", funnel=funnel)["sha256"] == sha256(file)
         assert tailnet.fetch("/big.bin/inner/", funnel=funnel)["body"] == "<p>inner"
     assert list(application.managed().values()) == [{"path": str(file), "type": "file"}]
+
+
+@pytest.mark.parametrize("name", ["my report.pdf", "$(touch made).pdf", "it's; touch made & `touch made`.pdf"])
+def test_a_name_that_a_shell_would_interpret_is_a_name(window, tailnet, application, tmp_path, name):
+    (tmp_path / name).write_bytes(b"%PDF-")
+    window.share("File", str(tmp_path / name), path="/")
+    window.await_row(str(tmp_path / name))
+    # Of the spellings of such a path Tailscale finds the one that Go's library makes.
+    assert tailnet.fetch(2 * quote("/" + name, safe="$&+,/:;=@"))["body"] == "%PDF-"
+    assert list(application.managed().values()) == [{"path": str(tmp_path / name), "type": "file"}]
+    assert not Path(f"/proc/{application.child.pid}/cwd/made").exists()
 
 
 def test_a_redirect_below_a_mount_path_loses_it(window, tailnet, folder):

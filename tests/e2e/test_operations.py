@@ -12,7 +12,7 @@ def test_stopping_a_row_stops_its_port_and_its_server(window, tailnet, applicati
     window.share("Directory", str(tmp_path), path="/files")
     port = int(next(iter(application.managed())))
     window.stop(window.await_row("/files"))
-    window.await_toast("Share stopped")
+    window.await_announcement("Share stopped")
     window.await_empty()
     assert tailnet.serve_status() == {}
     assert application.managed() == {}
@@ -25,7 +25,7 @@ def test_stopping_a_row_stops_every_path_of_its_port(window, tailnet, differs):
     window.share("Plain Text", "one", path="/one")
     window.share("Plain Text", "two", path="/two")
     window.stop(window.await_row("/one"))
-    window.await_toast("Share stopped")
+    window.await_announcement("Share stopped")
     if tailnet.version >= (1, 90):
         window.await_empty()
         assert tailnet.serve_status() == {}
@@ -47,7 +47,7 @@ def test_a_stop_that_is_cancelled_leaves_the_share_running(window, tailnet):
 def test_a_funnel_can_be_stopped_from_its_row(window, tailnet):
     window.share("Plain Text", "OK", mode="Funnel")
     window.stop(window.await_row("Funnel"))
-    window.await_toast("Share stopped")
+    window.await_announcement("Share stopped")
     window.await_empty()
     assert tailnet.serve_status() == {}
 
@@ -65,7 +65,7 @@ def test_a_reset_ends_every_share_and_every_server(window, tailnet, application,
     port = int(next(iter(application.managed())))
     window.await_row(str(tmp_path))
     window.reset(item)
-    window.await_toast(message)
+    window.await_announcement(message)
     window.await_empty()
     assert tailnet.serve_status() == {}
     assert application.managed() == {}

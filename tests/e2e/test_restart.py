@@ -106,3 +106,47 @@ def test_a_foreground_share_ends_with_the_window(window, application, tailnet):
         until("the share to end", lambda: "Foreground" not in tailnet.serve_status())
         with pytest.raises(Unreachable):
             tailnet.fetch("/x")
+
+
+def test_a_foreground_share_ends_with_a_window_that_is_killed(window, application, tailnet):
+    with backends.web("in the foreground") as port:
+        window.fill("Port / App URL", str(port), mode="Funnel", background=False)
+        window.start("Funnel")
+        until("the share", lambda: "Foreground" in tailnet.serve_status())
+        assert tailnet.fetch("/x", funnel=True)["body"] == "in the foreground /x"
+        assert tailnet.commands()
+        application.child.kill()
+        application.child.wait()
+        until("the command to end", lambda: not tailnet.commands())
+        until("the share to end", lambda: not tailnet.serve_status().get("Foreground"))
+        with pytest.raises(Unreachable):
+            tailnet.fetch("/x", funnel=True)
+
+
+@pytest.fixture
+def accounts(tailnet):
+    """The host's own account, and another that it is logged in under as well."""
+    own = tailnet.account()
+    other = tailnet.log_in("other")
+    tailnet.switch(own)
+    yield own, other
+    tailnet.switch(other)
+    tailnet.tailscale("logout")
+    tailnet.switch(own)
+
+
+def test_switching_to_another_account_and_back_forgets_no_share(shared, application, tailnet, accounts):
+    own, other = accounts
+    window, record = application.window, application.managed()
+    tailnet.switch(other)
+    window.refresh()
+    window.await_empty()
+    assert application.managed() == record
+    assert not any(backends.listens(int(port)) for port in record)
+    tailnet.switch(own)
+    window.refresh()
+    window.await_row("/folder", str(shared))
+    window.await_row("/file", str(shared / "a.txt"))
+    assert application.managed() == record
+    assert tailnet.fetch("/folder/a.txt")["body"] == "still here"
+    assert tailnet.fetch("/file/a.txt")["body"] == "still here"

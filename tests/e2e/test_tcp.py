@@ -55,7 +55,7 @@ def test_a_reset_ends_a_tcp_share(window, tailnet):
         window.share("TCP Forward", str(port), mode="Funnel")
         await_row(window, port)
         window.reset("Reset All Funnels")
-        window.await_toast("Funnels stopped")
+        window.await_announcement("Funnels stopped")
         window.await_empty()
         assert tailnet.serve_status() == {}
         with pytest.raises(Unreachable):

@@ -61,7 +61,7 @@ def test_a_backend_that_has_gone_is_a_bad_gateway_to_visitors(window, tailnet):
 def test_the_copy_button_puts_the_url_on_the_clipboard(window, desktop, tailnet):
     window.share("Plain Text", "OK", path="/copied")
     window.await_row("/copied").find("Copy URL").press()
-    window.await_toast("URL copied!")
+    window.await_announcement("URL copied!")
     assert desktop.clipboard() == tailnet.url("/copied")
 
 

@@ -61,7 +61,7 @@ class Tour:
 
             self.next("Starting the share")
             window.start()
-            window.await_toast("Serve started successfully")
+            window.await_announcement("Serve started successfully")
             window.await_row("/tour", str(folder))
             self.keep_picture(desktop, "shared")
 

@@ -1,6 +1,8 @@
 # SPDX-License-Identifier: MIT
 """What assistive technology sees of a program, and does to it (AT-SPI)."""
 
+import functools
+
 import gi
 
 gi.require_version("Atspi", "2.0")
@@ -149,23 +151,29 @@ class Element:
 
 
 class Announcements:
-    """What a program says of itself, unasked: each notification that comes into sight."""
+    """What programs say of themselves, unasked: each notification that comes into sight."""
 
-    def __init__(self, pid):
-        self.pid = pid
-        self.texts = []
+    def __init__(self):
+        self.said = []  # process identifiers and texts
         self.listener = Atspi.EventListener.new(self.hear)
         self.listener.register("object:state-changed:showing")
 
     def hear(self, event, *_):
         source = Element(event.source)
-        if event.detail1 == 1 and source.role == "notification" and source.pid == self.pid:
-            self.texts.append(source.name)
+        if event.detail1 == 1 and source.role == "notification":
+            self.said.append((source.pid, source.name))
 
-    def heard(self, text):
+    def take(self, pid, text):
+        """Whether a program has said this; if so, what it has said until then is forgotten."""
         while GLib.MainContext.default().iteration(False):
             pass
-        return text in self.texts
+        if (pid, text) not in self.said:
+            return False
+        self.said = [(speaker, said) for speaker, said in self.said if speaker != pid]
+        return True
 
-    def end(self):
-        self.listener.deregister("object:state-changed:showing")
+
+@functools.cache
+def announcements():
+    """Those that are made from the first call on."""
+    return Announcements()

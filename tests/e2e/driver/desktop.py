@@ -9,7 +9,7 @@ from . import process
 from .waiting import until
 
 # The session's own settings would reach the window; only these may.
-KEPT = ("PATH", "HOME", "USER", "LOGNAME", "SHELL", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS")
+KEPT = ("PATH", "HOME", "USER", "LOGNAME", "SHELL", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS")
 
 
 class Desktop:

@@ -2,6 +2,7 @@
 """Child processes that do not outlive the driver."""
 
 import subprocess
+from pathlib import Path
 
 
 def start(*command, log=None, **options):
@@ -24,3 +25,16 @@ def end(child, patience=10):
     except subprocess.TimeoutExpired:
         child.kill()
         return child.wait()
+
+
+def running():
+    """The identifiers of all processes."""
+    return [int(folder.name) for folder in Path("/proc").glob("[0-9]*")]
+
+
+def command_line(pid):
+    """The words that a process was started with; none where it has ended."""
+    try:
+        return Path(f"/proc/{pid}/cmdline").read_text(errors="replace").split("\0")
+    except OSError:
+        return []

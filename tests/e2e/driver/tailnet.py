@@ -98,9 +98,39 @@ class Tailnet:
             # Older versions take a while to agree on new keys.
             until("the second node to reach the first again", self.reaches_again)
 
+    def account(self):
+        """The account that the host is logged in under, as "tailscale switch" names it."""
+        lines = self.tailscale("switch", "--list").splitlines()
+        return next(line.split()[0] for line in lines if line.rstrip().endswith("*"))
+
+    def log_in(self, hostname):
+        """Logs the host in under one more account, which is the current one from then on. Returns it."""
+        # Tailscale knows accounts apart by user and server; another name of the server is another one.
+        server = self.record["control"].replace("127.0.0.1", "localhost")
+        self.tailscale("login", f"--login-server={server}", f"--hostname={hostname}", "--accept-dns=false")
+        self.await_running()
+        return self.account()
+
+    def switch(self, account):
+        self.tailscale("switch", account)
+        self.await_running()
+
+    def await_running(self):
+        def runs():
+            status = json.loads(self.tailscale("status", "--json"))
+            return status["BackendState"] == "Running" and status["Self"]["DNSName"]
+
+        return until("the host to be in its tailnet", runs).rstrip(".")
+
     def reaches_again(self):
         ping = [self.record["nodes"][PEER]["cli"], "ping", "--tsmp", "-c", "1", "--timeout", "2s", HOST]
         return subprocess.run(ping, capture_output=True, timeout=60).returncode == 0
+
+    def commands(self):
+        """The command lines of the host's tailscale that run."""
+        socket = re.search(r"--socket='([^']*)'", self.command_line())[1]
+        lines = [process.command_line(pid) for pid in process.running()]
+        return [line for line in lines if f"--socket={socket}" in line and line[0].endswith("/tailscale")]
 
     def serve_status(self):
         return json.loads(self.tailscale("serve", "status", "--json"))

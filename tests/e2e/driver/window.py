@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The main window, in the words of a person who uses it."""
 
+from .accessibility import announcements
 from .waiting import until
 
 # Labels of the choices "Source Type", and of the field that each one asks to fill in.
@@ -22,6 +23,7 @@ class Window:
     def __init__(self, application, desktop):
         self.application = application
         self.desktop = desktop
+        self.announcements = announcements()
         self.frame = application.await_one("Brevane", "frame")
 
     def await_idle(self):
@@ -38,8 +40,9 @@ class Window:
     def await_label(self, text):
         return self.frame.await_one(text, "label")
 
-    def await_toast(self, message):
-        return self.frame.await_one(message, ("alert", "notification"))
+    def await_announcement(self, message):
+        """Until a message has been shown, be it gone by now, such as a toast."""
+        until(f"the message {message!r}", lambda: self.announcements.take(self.application.pid, message))
 
     # The form
 
@@ -86,7 +89,7 @@ class Window:
             return self.field(FIELDS[kind]).text == ""
 
         until("the share", made)
-        self.await_toast(f"{mode} started successfully")
+        self.await_announcement(f"{mode} started successfully")
         self.await_idle()
 
     def form_error(self):

@@ -1,16 +1,18 @@
 # SPDX-License-Identifier: MIT
 """Random operations on the service, against a model of what must be there after each.
 
-usage: model.py TAILSCALE DRIVER [--operations N] [--kills N] [--seed N]
+usage: model.py DRIVER (--stand-in PROGRAM | --tailnet FOLDER) [--operations N] [--kills N] [--seed N]
 
-TAILSCALE stands in for tailscale (stand-in-tailscale), DRIVER is the service (service-driver). After
-each operation the daemon's shares, the record on disk, the live servers with their bytes, and the
-rows are compared with the model's. --kills only adds files and folders, and kills the service at a
-random instant of each: no share of the daemon's may be missing from the record. A failure names
-the operation; the same seed repeats the run, but for the instants of kills.
+DRIVER is the service (service-driver), PROGRAM stands in for tailscale (stand-in-tailscale), FOLDER
+has what a real tailnet on loopback is made of (tools/tailnet/build.sh). After each operation the
+daemon's shares, the record on disk, the live servers with their bytes, and the rows are compared
+with the model's. --kills only adds files and folders, and kills the service at a random instant of
+each: no share of the daemon's may be missing from the record. A failure names the operation; the
+same seed repeats the run, but for the instants of kills.
 """
 
 import argparse
+import functools
 import json
 import os
 import pathlib
@@ -23,7 +25,8 @@ import time
 import urllib.error
 import urllib.request
 
-ACCOUNTS = ["a.ts.net", "b.ts.net"]
+from daemons import Real, StandIn
+
 PATHS = ["/", "/a", "/b", "/c", "/d"]
 SOURCES = ["Port / App URL", "HTTPS (self-signed)", "Plain Text", "TCP Forward", "File", "Directory"]
 NOBODYS_PORTS = range(100, 110)
@@ -38,45 +41,31 @@ class Account:
 
 
 class Model:
-    def __init__(self, tailscale, driver, seed):
+    def __init__(self, driver, make_daemon, seed):
         self.random = random.Random(seed)
         self.folder = pathlib.Path(tempfile.mkdtemp(prefix="brevane-model-"))
-        self.tailscale, self.driver = tailscale, driver
+        self.driver = driver
+        self.daemon = make_daemon(self.folder)
         self.preferences = self.folder / "preferences.json"
-        self.daemon = {"node": ACCOUNTS[0], "state": "Running", "fails": False, "delay": 0, "configs": {}}
-        self.save_daemon()
         self.sources = []
         for number in range(6):
             (self.folder / f"folder {number}").mkdir()
             (self.folder / f"folder {number}" / "mark.txt").write_text(f"mark {number}")
             self.sources.append(str(self.folder / f"folder {number}"))
-        self.accounts = {name: Account() for name in ACCOUNTS}
+        self.accounts = {name: Account() for name in self.daemon.accounts}
         self.process = None
-        self.disk_is_full = False
+        self.fails = False
+        self.made_before_kill = 0
         self.start()
 
     # The daemon.
 
-    def save_daemon(self):
-        (self.folder / "daemon.json.own").write_text(json.dumps(self.daemon))
-        os.rename(self.folder / "daemon.json.own", self.folder / "daemon.json")
-
-    def set_daemon(self, **values):
-        self.daemon = json.loads((self.folder / "daemon.json").read_text())
-        self.daemon.update(values)
-        self.save_daemon()
-
-    def config(self, name=None):
-        daemon = json.loads((self.folder / "daemon.json").read_text())
-        return daemon["configs"].get(name or daemon["node"], {})
-
-    def handlers(self, name=None):
-        name = name or self.node
-        return self.config(name).get("Web", {}).get(name + ":443", {}).get("Handlers", {})
+    def handlers(self):
+        return self.daemon.config().get("Web", {}).get(self.node + ":443", {}).get("Handlers", {})
 
     @property
     def node(self):
-        return self.daemon["node"]
+        return self.daemon.node
 
     @property
     def account(self):
@@ -86,8 +75,8 @@ class Model:
 
     def start(self):
         self.process = subprocess.Popen(
-            [self.driver, self.tailscale, self.preferences], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-            text=True, env={**os.environ, "BREVANE_STAND_IN": str(self.folder)})
+            [self.driver, self.daemon.command, self.daemon.shell, self.preferences],
+            stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, env={**os.environ, "BREVANE_STAND_IN": str(self.folder)})
 
     def send(self, *command):
         self.process.stdin.write(json.dumps(command) + "\n")
@@ -132,8 +121,12 @@ class Model:
         kind = self.random.choice(SOURCES)
         path = self.random.choice(PATHS)
         source = self.make_source(kind)
+        if kind == "TCP Forward":
+            path = "/"  # Tailscale refuses any other.
+            if mode == "Funnel" and self.daemon.funnel_ports:
+                source = self.random.choice(self.daemon.funnel_ports)
         state = self.run("add", mode, kind, source, path)
-        assert state["success"] != self.daemon["fails"], "the add's success"
+        assert state["success"] != self.fails, f"the add of {mode} {kind} {source} {path}: {state}"
         if state["success"]:
             self.apply_add(mode, kind, source, path)
         return state
@@ -162,16 +155,16 @@ class Model:
         handlers = self.handlers()
         target = self.random.choice([handler.get("Proxy", "") for handler in handlers.values()] or [""])
         state = self.run("stop", self.node + ":443", target)
-        assert state["success"] == (bool(handlers) and not self.daemon["fails"]), "the stop's success"
+        assert state["success"] == (bool(handlers) and not self.fails), "the stop's success"
         if state["success"]:
             self.account.handlers, self.account.is_funnel = {}, False
         return state
 
     def reset(self):
         # "all" forgets what it asks to be reset without looking at the outcome.
-        words = ["serve", "funnel"] if self.daemon["fails"] else ["serve", "funnel", "all"]
+        words = ["serve", "funnel"] if self.fails else ["serve", "funnel", "all"]
         state = self.run("reset", self.random.choice(words))
-        if not self.daemon["fails"]:
+        if not self.fails:
             self.accounts[self.node] = Account()
         return state
 
@@ -193,20 +186,22 @@ class Model:
         kind = self.random.choice(SOURCES[4:])
         path = self.random.choice(PATHS)
         source = self.make_source(kind)
-        before = self.config()
-        self.set_daemon(delay=self.random.choice([0, 0, 5, 20]))
+        before = self.daemon.config()
+        self.daemon.delay(self.random.choice([0, 0, 5, 20]))
         self.send("add", mode, kind, source, path)
         time.sleep(self.random.uniform(0, 0.08))
         self.kill()
-        self.set_daemon(delay=0)
+        self.daemon.delay(0)
         recorded, _ = self.record()
         for handler in self.handlers().values():
             port = handler.get("Proxy", "").rsplit(":", 1)[-1]
             assert not self.is_ours(handler) or port in recorded, f"the daemon leads to {port}, which is not recorded"
-        if self.config() != before:
-            self.apply_add(mode, kind, source, path)
         self.start()
-        return self.run("refresh")
+        state = self.run("refresh")
+        if self.daemon.config() != before:
+            self.made_before_kill += 1
+            self.apply_add(mode, kind, source, path)
+        return state
 
     def is_ours(self, handler):
         proxy = handler.get("Proxy", "")
@@ -214,19 +209,21 @@ class Model:
 
     def switch(self):
         """The account changes; now and then the service is told only by its next operation."""
-        self.set_daemon(node=self.random.choice(ACCOUNTS))
+        self.daemon.switch(self.random.choice(self.daemon.accounts))
         return self.random.choice([self.refresh, self.add, self.reset, self.stop])()
 
     def go_down(self):
-        self.set_daemon(state="Stopped")
+        self.daemon.stop()
         self.run("refresh")
-        self.set_daemon(state="Running")
+        self.daemon.run()
         return self.run("refresh")
 
     def refuse(self):
-        self.set_daemon(fails=True)
-        state = self.random.choice([self.add, self.stop, self.reset])()
-        self.set_daemon(fails=False)
+        self.fails = True
+        self.daemon.refuse(True)
+        self.random.choice([self.add, self.stop, self.reset])()
+        self.daemon.refuse(False)
+        self.fails = False
         return self.run("refresh")
 
     def fill_disk(self):
@@ -306,14 +303,16 @@ class Model:
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument("tailscale")
     parser.add_argument("driver")
+    daemon = parser.add_mutually_exclusive_group(required=True)
+    daemon.add_argument("--stand-in", type=lambda program: functools.partial(StandIn, program), dest="daemon")
+    daemon.add_argument("--tailnet", type=lambda folder: functools.partial(Real, folder), dest="daemon")
     parser.add_argument("--operations", type=int, default=0)
     parser.add_argument("--kills", type=int, default=0)
     parser.add_argument("--seed", type=int, default=random.randrange(1 << 32))
     arguments = parser.parse_args()
     print(f"seed {arguments.seed}", flush=True)
-    model = Model(arguments.tailscale, arguments.driver, arguments.seed)
+    model = Model(arguments.driver, arguments.daemon, arguments.seed)
     counts = {}
     total = arguments.operations or arguments.kills
     for number in range(1, total + 1):
@@ -322,13 +321,16 @@ def main():
         except AssertionError as error:
             print(f"operation {number} ({model.operation}), seed {arguments.seed}: {error}\nleft in {model.folder}")
             model.process.kill()
+            model.daemon.end()
             return 1
         counts[name] = counts.get(name, 0) + 1
         if number % 500 == 0:
             print(f"{number} of {total}", flush=True)
     model.quit()
+    model.daemon.end()
     shutil.rmtree(model.folder)
     print(f"{total} operations, all as the model says:", ", ".join(f"{n} {c}" for n, c in sorted(counts.items())))
+    print(f"of the adds that were killed, {model.made_before_kill} had made their share")
     return 0
 
 

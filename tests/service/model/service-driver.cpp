@@ -3,7 +3,7 @@
 // The service without a window: does what standard input says, line by line, and answers each line
 // with what there is afterwards. The end of the input quits.
 //
-// Usage: service-driver TAILSCALE PREFERENCES, where TAILSCALE is its own shell
+// Usage: service-driver TAILSCALE SHELL PREFERENCES
 //
 //   ["add", label of the mode, label of the source type, source, URL path]
 //   ["stop", host and port, target]    ["reset", "serve" or "funnel" or "all"]    ["refresh"]
@@ -27,10 +27,10 @@ namespace {
 
 class Driver {
 public:
-    Driver(const std::string& tailscale, const std::string& file)
+    Driver(const std::string& tailscale, const std::string& shell, const std::string& file)
         : preferences_(file),
-          service_(TailscaleService::create({tailscale, tailscale, "/usr/bin:/bin"}, mainQueue_,
-                                            queue_, preferences_, pool_)) {}
+          service_(TailscaleService::create({tailscale, shell, "/usr/bin:/bin"}, mainQueue_, queue_,
+                                            preferences_, pool_)) {}
 
     json::value run(const json::array& command) {
         const auto word = [&](std::size_t index) {
@@ -108,8 +108,8 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) return 2;
-    Driver driver(argv[1], argv[2]);
+    if (argc != 4) return 2;
+    Driver driver(argv[1], argv[2], argv[3]);
     for (std::string line; std::getline(std::cin, line);)
         std::cout << driver.run(json::parse(line).get_array()) << std::endl;
     return 0;
