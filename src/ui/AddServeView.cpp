@@ -80,14 +80,19 @@ void AddServeView::giveWay(bool on) {
 
 void AddServeView::pickPath() {
     const bool forFolder = draft.sourceType == SourceType::directory;
-    auto* panel = new QFileDialog(this);
-    panel->setAttribute(Qt::WA_DeleteOnClose);
-    panel->setFileMode(forFolder ? QFileDialog::Directory : QFileDialog::ExistingFile);
-    panel->setOption(QFileDialog::ShowDirsOnly, forFolder);
-    // Nothing is made or renamed here, folders included.
-    panel->setOption(QFileDialog::ReadOnly);
-    connect(panel, &QFileDialog::fileSelected, this, &AddServeView::setSource);
-    panel->open();
+    if (filePanel == nullptr) {
+        // Kept, since its own messages and menus are its children on the stack of an event loop that they run:
+        // deleting it when it closes would free those.
+        filePanel = new QFileDialog(this);
+        // Nothing is made or renamed here, folders included.
+        filePanel->setOption(QFileDialog::ReadOnly);
+        connect(filePanel, &QFileDialog::fileSelected, this, &AddServeView::setSource);
+    }
+    filePanel->setFileMode(forFolder ? QFileDialog::Directory : QFileDialog::ExistingFile);
+    filePanel->setOption(QFileDialog::ShowDirsOnly, forFolder);
+    // Not what was typed last, which may be a file where a folder is asked for.
+    if (auto* name = filePanel->findChild<QLineEdit*>()) name->clear();
+    filePanel->open();
 }
 
 void AddServeView::start() {

@@ -9,6 +9,7 @@
 #include <string>
 
 class QCheckBox;
+class QFileDialog;
 class QLineEdit;
 class QScrollArea;
 
@@ -83,6 +84,7 @@ private:
     FormSection* sourceSection;
     QLineEdit* source;
     IconButton* browse;
+    QFileDialog* filePanel = nullptr; // Made by pickPath().
     Label* sourceHint;
     QWidget* pathSection;
     QLineEdit* urlPath;

@@ -9,7 +9,9 @@
 #include <QFileDialog>
 #include <QLocale>
 #include <QMimeData>
+#include <QPointer>
 #include <QTextEdit>
+#include <QTimer>
 
 #include <filesystem>
 
@@ -323,6 +325,30 @@ TEST_F(AddServeViewTest, BrowsingForAFolderFillsInTheChosenOne) {
     panel->close();
     settle();
     EXPECT_EQ(source()->text().toStdString(), folder.path.string());
+}
+
+TEST_F(AddServeViewTest, TheFileDialogOutlivesTheMessageThatItWaitsFor) {
+    choose(SourceType::file);
+    press("Browse…");
+    const QPointer panel = form().findChild<QFileDialog*>();
+    ASSERT_NE(panel, nullptr);
+    panel->findChild<QLineEdit*>()->setText("no such file");
+    int step = 0;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, [&] {
+        // As a screen reader can, which presses buttons behind a message.
+        if (++step == 1) return panel->reject();
+        EXPECT_NE(panel, nullptr);
+        if (QWidget* message = QApplication::activeModalWidget(); step == 2 && message != nullptr)
+            message->close();
+    });
+    timer.start(0);
+    static_cast<QDialog*>(panel)->accept();
+    EXPECT_GE(step, 2);
+    settle();
+    press("Browse…");
+    EXPECT_TRUE(panel->isVisible());
+    EXPECT_EQ(panel->findChild<QLineEdit*>()->text(), "");
 }
 
 } // namespace
