@@ -81,8 +81,8 @@ void AddServeView::giveWay(bool on) {
 void AddServeView::pickPath() {
     const bool forFolder = draft.sourceType == SourceType::directory;
     if (filePanel == nullptr) {
-        // Kept, since its own messages and menus are its children on the stack of an event loop that they run:
-        // deleting it when it closes would free those.
+        // Kept, since its own messages and menus are its children on the stack of an event loop
+        // that they run: deleting it when it closes would free those.
         filePanel = new QFileDialog(this);
         // Nothing is made or renamed here, folders included.
         filePanel->setOption(QFileDialog::ReadOnly);
