@@ -23,6 +23,8 @@ using boost::asio::ip::tcp;
 
 constexpr int backlog = 4096; // The system lowers it to its own limit.
 constexpr auto pauseTime = std::chrono::milliseconds(50);
+// The connections that a thread accepts until it looks at what else has come.
+constexpr int turnLimit = 64;
 
 // A socket for calls that do not wait, which no child process gets; none, and errno, where there is
 // none.
@@ -79,9 +81,9 @@ Trouble troubleOf(int error) {
 
 } // namespace
 
-Acceptor::Acceptor(const std::shared_ptr<const ServedFolder>& folder, std::atomic<bool>& isRunning)
-    : threads_(folder->threads), folder_(folder), running_(isRunning), socket_(threads_.handlers()),
-      pauseTimer_(threads_.handlers()) {}
+Acceptor::Acceptor(std::shared_ptr<const ServedFolder> folder, std::atomic<bool>& isRunning)
+    : folder_(std::move(folder)), threads_(folder_->threads), running_(isRunning),
+      socket_(threads_.handlers()), pauseTimer_(threads_.handlers()) {}
 
 std::error_code Acceptor::listen(std::uint16_t port) {
 #ifdef __APPLE__
@@ -141,12 +143,14 @@ void Acceptor::wait() {
 
 void Acceptor::accept() {
     // One at a time: another thread takes the next, also where this one hangs in the file system.
-    Descriptor accepted = takeConnection();
-    if (accepted.isOpen())
-        std::make_shared<Connection>(std::move(accepted), threads_, folder_)->receive();
+    for (int taken = 0; taken < turnLimit; ++taken) {
+        Descriptor accepted = taken == 0 ? takeFirst() : takeNext();
+        if (!accepted.isOpen()) return;
+        std::make_shared<Connection>(std::move(accepted), folder_)->receive();
+    }
 }
 
-Descriptor Acceptor::takeConnection() {
+Descriptor Acceptor::takeFirst() {
     const MutexLock lock(mutex_);
     if (!socket_.is_open()) return {};
     if (full_ && !hasRoom()) {
@@ -162,6 +166,15 @@ Descriptor Acceptor::takeConnection() {
         pause();
     else
         wait();
+    return accepted;
+}
+
+Descriptor Acceptor::takeNext() {
+    const MutexLock lock(mutex_);
+    // What stands in the way of it is for the next turn to see to, which is waited for already.
+    if (!socket_.is_open() || full_) return {};
+    Descriptor accepted = acceptFrom(socket_.native_handle());
+    full_ = accepted.isOpen() && !threads_.connections().makeRoomFor(accepted);
     return accepted;
 }
 

@@ -22,7 +22,7 @@ namespace brevane {
 class Acceptor : public std::enable_shared_from_this<Acceptor> {
 public:
     /// `isRunning` is cleared when the socket closes, and not touched afterwards.
-    Acceptor(const std::shared_ptr<const ServedFolder>& folder, std::atomic<bool>& isRunning);
+    Acceptor(std::shared_ptr<const ServedFolder> folder, std::atomic<bool>& isRunning);
 
     /// Listens on every local address, on IPv4 alone where there is no IPv6. Port 0 takes a free
     /// one.
@@ -44,15 +44,17 @@ private:
     [[nodiscard]] std::error_code listenOn(const boost::asio::ip::tcp::endpoint& address)
         REQUIRES(mutex_);
     void accept();
-    Descriptor takeConnection();
+    // The first connection of a turn. Another thread can take the next from then on.
+    Descriptor takeFirst();
+    Descriptor takeNext();
     // Whether a connection more leaves enough descriptors to the rest of the program.
     [[nodiscard]] bool hasRoom() REQUIRES(mutex_);
     void wait() REQUIRES(mutex_);
     void pause() REQUIRES(mutex_);
     void close() REQUIRES(mutex_);
 
+    const std::shared_ptr<const ServedFolder> folder_;
     ServerThreads& threads_;
-    std::weak_ptr<const ServedFolder> folder_;
     std::atomic<bool>& running_;
     Mutex mutex_;
     Socket socket_ GUARDED_BY(mutex_);

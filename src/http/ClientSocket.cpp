@@ -109,6 +109,13 @@ void ClientSocket::limitUnsent() {
     ::setsockopt(socket_.get(), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &unsent, sizeof unsent);
 }
 
+void ClientSocket::holdEnd() {
+#ifdef __linux__
+    const int on = 1;
+    ::setsockopt(socket_.get(), IPPROTO_TCP, TCP_CORK, &on, sizeof on);
+#endif
+}
+
 void ClientSocket::endSending() {
     ::shutdown(socket_.get(), SHUT_WR);
 }

@@ -53,6 +53,9 @@ public:
     /// Lets the kernel keep no more than a little of what the client is not ready for. It would
     /// take megabytes, of a memory that all connections of the machine share.
     void limitUnsent();
+    /// Holds back an end of a file that fills no segment until the end of sending, to leave with
+    /// it.
+    void holdEnd();
     /// Tells the client that nothing follows.
     void endSending();
     /// Makes closing tell the client that the response is broken.

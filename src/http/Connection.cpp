@@ -25,9 +25,8 @@ constexpr auto drainTime = std::chrono::seconds(10);
 
 } // namespace
 
-Connection::Connection(Descriptor accepted, ServerThreads& threads,
-                       std::weak_ptr<const ServedFolder> folder)
-    : threads_(threads), listening_(std::move(folder)), socket_(std::move(accepted)) {}
+Connection::Connection(Descriptor accepted, std::shared_ptr<const ServedFolder> folder)
+    : folder_(std::move(folder)), threads_(folder_->threads), socket_(std::move(accepted)) {}
 
 void Connection::receive() {
     const auto buffer = receiveBuffer();
@@ -38,8 +37,7 @@ void Connection::receive() {
 }
 
 void Connection::take(std::string_view bytes) {
-    folder_ = listening_.lock();
-    if (!folder_ || !folder_->isServed) return close();
+    if (!folder_->isServed) return close();
 
     const std::size_t searched = bytes_.size();
     if (searched > 0) {
@@ -50,7 +48,6 @@ void Connection::take(std::string_view bytes) {
     auto request = parseRequestHead(bytes, searched);
     if (!request) {
         if (searched == 0) bytes_ = bytes;
-        folder_.reset();
         return onceReadable(threads_.handlers(), &Connection::receive);
     }
     moreFollows_ = !*request || (*request)->moreFollows;
@@ -84,12 +81,19 @@ void Connection::look() {
 
 void Connection::begin(Response& response) {
     file_ = response.takeFile();
-    if (file_) return beginLargeFile(response.head(), response.headOnly());
+    if (file_) {
+        if (!threads_.connections().makeRoomFor(file_->ownDescriptor())) return refuseFile();
+        if (file_->size() > smallFileSize)
+            return beginLargeFile(response.head(), response.headOnly());
+        isTurnBrought_ = true;
+        socket_.holdEnd();
+    }
 
     const auto count = socket_.send(response.head(), response.body());
     if (count == std::unexpected(ClientSocket::Pause::failed)) return close();
     sent_ = count.value_or(0);
-    if (sent_ == response.head().size() + response.body().size()) return finish();
+    if (sent_ == response.head().size() + response.body().size())
+        return file_ ? sendTurn() : finish();
     bytes_ = response.rest(sent_);
     sent_ = 0;
     onceWritable(threads_.senders(), &Connection::send);
@@ -98,7 +102,6 @@ void Connection::begin(Response& response) {
 void Connection::beginLargeFile(std::string_view head, bool headOnly) {
     bytes_ = head;
     headOnly_ = headOnly;
-    if (!threads_.connections().makeRoomFor(file_->ownDescriptor())) return refuseFile();
     // A look at a file of this size is quicker than the way to a loader and back.
     const bool isReady = file_->size() <= loadSize && threads_.visit(*folder_->loaders, [&] {
         return file_->isCached(0, file_->size());
@@ -173,7 +176,9 @@ void Connection::sendTurn() {
         return close(); // The file was cut short, or the client has gone.
 
     fileDone_ += count.value_or(0);
-    if (fileDone_ == file_->size()) return endFile();
+    // No cut can come between the bytes of one call.
+    if (fileDone_ == file_->size()) return count == fileDone_ ? finish() : endFile();
+    moreFollows_ = true;
     if (count == length)
         onSender(&Connection::nextTurn);
     else

@@ -22,8 +22,7 @@ namespace brevane {
 /// server's Connections keep it; it closes when nothing keeps it any more.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
-    Connection(Descriptor accepted, ServerThreads& threads,
-               std::weak_ptr<const ServedFolder> folder);
+    Connection(Descriptor accepted, std::shared_ptr<const ServedFolder> folder);
 
     /// Reads what has arrived, and goes on from there.
     void receive();
@@ -73,9 +72,8 @@ private:
         };
     }
 
+    const std::shared_ptr<const ServedFolder> folder_;
     ServerThreads& threads_;
-    std::weak_ptr<const ServedFolder> listening_;
-    std::shared_ptr<const ServedFolder> folder_; // once the request is whole
     ClientSocket socket_;
     Connections::Place place_;
     bool moreFollows_ = true;         // The client sends more than its request.

@@ -46,6 +46,9 @@ std::string_view reasonFor(Status status) {
 // Some file systems make a file's content up as it is read, and a few of those files never end.
 constexpr std::size_t madeUpSizeLimit = 64 * 1024 * 1024;
 
+// Up to this size copying a file takes no longer than handing it to the kernel.
+constexpr std::size_t copiedSize = 16 * 1024;
+
 // Fills the buffer, or as much of it as there is. Nothing where reading fails.
 std::optional<std::size_t> readInto(std::span<char> buffer, int file) {
     std::size_t filled = 0;
@@ -178,15 +181,16 @@ Response fileResponse(const std::string& path, bool headOnly) {
         return errorResponse(Status::forbidden);
 
     const auto size = static_cast<std::size_t>(found.st_size);
-    if (size > smallFileSize)
-        return {headOf("200 OK", mimeType(path), size), LargeFile(std::move(file), size), headOnly};
     if (size == 0) {
         auto content = readMadeUpFile(file.get());
         if (!content) return errorResponse(Status::forbidden);
         std::string head = headOf("200 OK", mimeType(path), content->size());
         return {std::move(head), headOnly ? std::string() : std::move(*content)};
     }
-    const auto bytes = readSmallFile(file.get(), size);
+    LargeFile opened(std::move(file), size);
+    if (size > smallFileSize || (size > copiedSize && !headOnly && opened.isCached(0, size)))
+        return {headOf("200 OK", mimeType(path), size), std::move(opened), headOnly};
+    const auto bytes = readSmallFile(opened.descriptor(), size);
     if (!bytes) return errorResponse(Status::forbidden);
     return {headOf("200 OK", mimeType(path), bytes->size()),
             headOnly ? std::string_view() : *bytes};

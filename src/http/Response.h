@@ -19,8 +19,8 @@ public:
     /// A head and a body, which is the response's own or the thread's.
     Response(std::string head, std::string body) : head_(std::move(head)), own_(std::move(body)) {}
     Response(std::string head, std::string_view lent) : head_(std::move(head)), lent_(lent) {}
-    /// A head, which stands before the file; or before nothing, but is only to be sent once the
-    /// file could be read.
+    /// A head, which stands before the file, one of up to `smallFileSize` in the kernel's cache; or
+    /// before nothing, but is only to be sent once the file could be read.
     Response(std::string head, LargeFile file, bool headOnly)
         : head_(std::move(head)), file_(std::make_unique<LargeFile>(std::move(file))),
           headOnly_(headOnly) {}
@@ -28,12 +28,12 @@ public:
     Response& operator=(const Response&) = delete;
 
     [[nodiscard]] std::string_view head() const { return head_; }
-    /// None of a large file's.
+    /// None where a file goes with the head.
     [[nodiscard]] std::string_view body() const { return own_.empty() ? lent_ : own_; }
 
-    /// The large file that goes with the head; none where there is no such file.
+    /// The file that goes with the head; none where there is no such file.
     [[nodiscard]] std::unique_ptr<LargeFile> takeFile() { return std::move(file_); }
-    /// Whether the large file is not to be sent.
+    /// Whether the file is not to be sent.
     [[nodiscard]] bool headOnly() const { return headOnly_; }
 
     /// What follows the first `sent` bytes of head and body.

@@ -10,8 +10,8 @@ namespace brevane {
 class Loaders;
 class ServerThreads;
 
-/// What the connections of one server share. A connection that still reads its request when the
-/// server ends is closed; one that answers keeps the folder until it has finished.
+/// What the connections of one server share, and keep. One that still reads its request when the
+/// server ends is closed as soon as more of it comes; one that answers finishes.
 struct ServedFolder {
     std::string root; ///< a standardized path
     ServerThreads& threads;

@@ -8,7 +8,7 @@ namespace brevane {
 
 /// The most that one read takes from a connection.
 inline constexpr std::size_t receiveSize = 64 * 1024;
-/// Files up to this size are read by the handler itself, larger ones are mapped by a loader.
+/// Files up to this size are the handler's own work, of larger ones loaders bring what is missing.
 inline constexpr std::size_t smallFileSize = 256 * 1024;
 
 /// The calling thread's buffer for bytes received, to be used up before the handler ends.

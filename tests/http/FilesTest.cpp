@@ -130,8 +130,8 @@ TEST_F(Files, ASlashAtTheEndOfAFilesPathDoesNotCount) {
 }
 
 TEST_F(Files, EverySizeIsSentWhole) {
-    for (const std::size_t size : {0UL, 1UL, 4095UL, 4096UL, 65536UL, 262143UL, 262144UL, 262145UL,
-                                   1048576UL, 1048577UL, 5000000UL}) {
+    for (const std::size_t size : {0UL, 1UL, 4095UL, 4096UL, 16384UL, 16385UL, 65536UL, 262143UL,
+                                   262144UL, 262145UL, 1048576UL, 1048577UL, 5000000UL}) {
         std::string content(size, '\0');
         for (std::size_t index = 0; index < size; ++index)
             content[index] = static_cast<char>(index * 31 + index / 251);
