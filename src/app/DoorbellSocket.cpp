@@ -49,22 +49,22 @@ bool isOwnUser(msghdr& header) {
 DoorbellSocket::DoorbellSocket() : DoorbellSocket("") {}
 
 DoorbellSocket::DoorbellSocket(std::string_view name)
-    : socket(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
+    : socket_(::socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0)) {
     const int on = 1;
-    setsockopt(socket, SOL_SOCKET, SO_PASSCRED, &on, sizeof on);
+    setsockopt(socket_, SOL_SOCKET, SO_PASSCRED, &on, sizeof on);
     const Address address(name);
-    if (bind(socket, address.get(), address.size) == 0) return;
-    close(socket);
-    socket = -1;
+    if (bind(socket_, address.get(), address.size) == 0) return;
+    close(socket_);
+    socket_ = -1;
 }
 
 DoorbellSocket::~DoorbellSocket() {
-    if (socket >= 0) close(socket);
+    if (socket_ >= 0) close(socket_);
 }
 
 bool DoorbellSocket::ring(std::string_view name) {
     const Address address(name);
-    return sendto(socket, nullptr, 0, MSG_NOSIGNAL, address.get(), address.size) == 0;
+    return sendto(socket_, nullptr, 0, MSG_NOSIGNAL, address.get(), address.size) == 0;
 }
 
 std::optional<std::string> DoorbellSocket::nextRing() {
@@ -76,7 +76,7 @@ std::optional<std::string> DoorbellSocket::nextRing() {
         header.msg_namelen = sizeof sender;
         header.msg_control = control.data();
         header.msg_controllen = control.size();
-        if (recvmsg(socket, &header, MSG_CMSG_CLOEXEC) < 0) return std::nullopt;
+        if (recvmsg(socket_, &header, MSG_CMSG_CLOEXEC) < 0) return std::nullopt;
         if (!isOwnUser(header)) continue;
         constexpr std::size_t start = offsetof(sockaddr_un, sun_path) + 1;
         if (header.msg_namelen <= start) return "";
@@ -85,7 +85,7 @@ std::optional<std::string> DoorbellSocket::nextRing() {
 }
 
 bool DoorbellSocket::waitForRing(std::chrono::milliseconds timeout) {
-    pollfd wait{.fd = socket, .events = POLLIN, .revents = 0};
+    pollfd wait{.fd = socket_, .events = POLLIN, .revents = 0};
     return poll(&wait, 1, static_cast<int>(timeout.count())) > 0 && nextRing().has_value();
 }
 

@@ -31,10 +31,10 @@ public:
     [[nodiscard]] bool waitForRing(std::chrono::milliseconds timeout);
 
     /// For waiting in an event loop.
-    [[nodiscard]] int descriptor() const { return socket; }
+    [[nodiscard]] int descriptor() const { return socket_; }
 
 private:
-    int socket = -1;
+    int socket_ = -1;
 };
 
 } // namespace brevane

@@ -14,7 +14,7 @@ namespace {
 class FirstFrame : public QObject {
 public:
     FirstFrame(QWidget& widget, std::chrono::milliseconds patience, std::function<void()> then)
-        : QObject(&widget), action(std::move(then)) {
+        : QObject(&widget), action_(std::move(then)) {
         widget.installEventFilter(this);
         callIn(patience);
     }
@@ -31,11 +31,11 @@ private:
     void callIn(std::chrono::milliseconds time) {
         QTimer::singleShot(time, this, [this] {
             deleteLater();
-            if (const auto once = std::exchange(action, nullptr)) once();
+            if (const auto once = std::exchange(action_, nullptr)) once();
         });
     }
 
-    std::function<void()> action;
+    std::function<void()> action_;
 };
 
 } // namespace

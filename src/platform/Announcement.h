@@ -19,13 +19,13 @@ public:
 
     /// Ends the subscription now. Once this returns on the announcing thread the observer is not
     /// called again, also in the middle of an announcement.
-    void cancel() { observer.reset(); }
+    void cancel() { observer_.reset(); }
 
 private:
     friend class Announcement;
     using Observer = std::function<void()>;
-    explicit Subscription(std::shared_ptr<const Observer> held) : observer(std::move(held)) {}
-    std::shared_ptr<const Observer> observer;
+    explicit Subscription(std::shared_ptr<const Observer> observer) : observer_(std::move(observer)) {}
+    std::shared_ptr<const Observer> observer_;
 };
 
 /// Something that observers can be told of. One thread only. While it announces, observers may
@@ -45,7 +45,7 @@ public:
 
 private:
     /// Owned by their subscriptions.
-    std::vector<std::weak_ptr<const Subscription::Observer>> observers;
+    std::vector<std::weak_ptr<const Subscription::Observer>> observers_;
 };
 
 } // namespace brevane

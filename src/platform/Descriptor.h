@@ -11,26 +11,26 @@ namespace brevane {
 class Descriptor {
 public:
     Descriptor() = default;
-    explicit Descriptor(int owned) : number(owned) {}
-    Descriptor(Descriptor&& other) noexcept : number(std::exchange(other.number, -1)) {}
+    explicit Descriptor(int owned) : number_(owned) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
-        std::swap(number, other.number);
+        std::swap(number_, other.number_);
         return *this;
     }
     ~Descriptor() { close(); }
 
-    [[nodiscard]] int get() const { return number; }
-    [[nodiscard]] bool isOpen() const { return number != -1; }
+    [[nodiscard]] int get() const { return number_; }
+    [[nodiscard]] bool isOpen() const { return number_ != -1; }
 
     /// Hands it over to the caller, who closes it.
-    [[nodiscard]] int release() { return std::exchange(number, -1); }
+    [[nodiscard]] int release() { return std::exchange(number_, -1); }
 
     void close() {
-        if (isOpen()) ::close(std::exchange(number, -1));
+        if (isOpen()) ::close(std::exchange(number_, -1));
     }
 
 private:
-    int number = -1;
+    int number_ = -1;
 };
 
 } // namespace brevane

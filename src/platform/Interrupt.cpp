@@ -13,13 +13,13 @@ namespace brevane {
 Interrupt::Interrupt() {
     auto opened = Pipe::open();
     if (!opened) throw std::system_error(opened.error(), "Interrupt");
-    pipe = std::move(*opened);
+    pipe_ = std::move(*opened);
     // Raised very often it must not block on a full pipe, which is readable anyway.
-    fcntl(pipe.writeEnd.get(), F_SETFL, O_NONBLOCK);
+    fcntl(pipe_.writeEnd.get(), F_SETFL, O_NONBLOCK);
 }
 
 void Interrupt::raise() {
-    while (write(pipe.writeEnd.get(), "", 1) == -1 && errno == EINTR) {
+    while (write(pipe_.writeEnd.get(), "", 1) == -1 && errno == EINTR) {
     }
 }
 

@@ -18,10 +18,10 @@ public:
     void raise();
 
     /// A descriptor that is readable from the raising on. Not to be read from.
-    [[nodiscard]] int descriptor() const { return pipe.readEnd.get(); }
+    [[nodiscard]] int descriptor() const { return pipe_.readEnd.get(); }
 
 private:
-    Pipe pipe;
+    Pipe pipe_;
 };
 
 } // namespace brevane

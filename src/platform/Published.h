@@ -13,21 +13,21 @@ template <class Value>
 class Published {
 public:
     Published() = default;
-    explicit Published(Value initial) : value(std::move(initial)) {}
+    explicit Published(Value initial) : value_(std::move(initial)) {}
 
-    [[nodiscard]] const Value& get() const { return value; }
-    [[nodiscard]] const Value& operator*() const { return value; }
-    [[nodiscard]] const Value* operator->() const { return &value; }
+    [[nodiscard]] const Value& get() const { return value_; }
+    [[nodiscard]] const Value& operator*() const { return value_; }
+    [[nodiscard]] const Value* operator->() const { return &value_; }
 
     void set(Value newValue) {
         willChange.announce();
-        value = std::move(newValue);
+        value_ = std::move(newValue);
     }
 
     Announcement willChange;
 
 private:
-    Value value{};
+    Value value_{};
 };
 
 } // namespace brevane

@@ -38,24 +38,24 @@ struct SerialQueue::Worker {
     std::thread thread;
 };
 
-SerialQueue::SerialQueue(const std::string& label) : worker(std::make_shared<Worker>()) {
-    worker->thread = std::thread([held = worker, label] {
+SerialQueue::SerialQueue(const std::string& label) : worker_(std::make_shared<Worker>()) {
+    worker_->thread = std::thread([held = worker_, label] {
         nameThisThread(label);
         held->context.run();
     });
 }
 
 SerialQueue::~SerialQueue() {
-    worker->context.stop();
-    if (worker->thread.get_id() == std::this_thread::get_id()) {
-        worker->thread.detach();
+    worker_->context.stop();
+    if (worker_->thread.get_id() == std::this_thread::get_id()) {
+        worker_->thread.detach();
     } else {
-        worker->thread.join();
+        worker_->thread.join();
     }
 }
 
 void SerialQueue::post(std::function<void()> task) {
-    boost::asio::post(worker->context, std::move(task));
+    boost::asio::post(worker_->context, std::move(task));
 }
 
 } // namespace brevane

@@ -26,7 +26,7 @@ public:
 
 private:
     struct Worker;
-    std::shared_ptr<Worker> worker;
+    std::shared_ptr<Worker> worker_;
 };
 
 } // namespace brevane

@@ -11,11 +11,14 @@
 #include "PopUp.h"
 #include "PushButton.h"
 #include "QtText.h"
+#include "ScrollPadding.h"
 #include "SelectableText.h"
+#include "SymbolView.h"
 
 #include <QCheckBox>
 #include <QDropEvent>
 #include <QFileDialog>
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLayout>
 #include <QLineEdit>
@@ -23,55 +26,75 @@
 #include <QPainter>
 #include <QPointer>
 #include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace brevane {
 
-AddServeView::AddServeView(TailscaleService& ownService,
+namespace {
+
+QLineEdit* makeField() {
+    auto* field = new QLineEdit;
+    field->setFont(theme().font(TextStyle::field));
+    // The usual limit would cut a pasted text without a word.
+    field->setMaxLength(std::numeric_limits<int>::max());
+    field->setTextMargins(5, 0, 5, 0);
+    // A file dropped on a field is for the form, which knows what to make of it.
+    field->setAcceptDrops(false);
+    QObject::connect(&theme(), &Theme::changed, field,
+                     [field] { field->setFont(theme().font(TextStyle::field)); });
+    return field;
+}
+
+} // namespace
+
+AddServeView::AddServeView(TailscaleService& service,
                            std::function<void(const QString&)> addedAction, QWidget* parent)
-    : Surface(&Colors::window, 1, 0, parent), service(ownService), onAdded(std::move(addedAction)) {
+    : Surface(&Colors::window, 1, 0, parent), service_(service), onAdded_(std::move(addedAction)) {
     setAcceptDrops(true);
     setFont(theme().font(TextStyle::body));
     connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
     makeControls();
     layOut();
-    connect(sourceType, &PopUp::currentIndexChanged, this,
+    connect(sourceType_, &PopUp::currentIndexChanged, this,
             [this](int index) { setSourceType(allSourceTypes[static_cast<std::size_t>(index)]); });
-    connect(source, &QLineEdit::textChanged, this, [this](const QString& text) {
-        draft.source = text.toStdString();
+    connect(source_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        draft_.source = text.toStdString();
         redraw();
     });
-    connect(urlPath, &QLineEdit::textChanged, this, [this](const QString& text) {
-        draft.urlPath = text.toStdString();
+    connect(urlPath_, &QLineEdit::textChanged, this, [this](const QString& text) {
+        draft_.urlPath = text.toStdString();
         redraw();
     });
-    connect(background, &QCheckBox::toggled, this, [this](bool on) {
-        draft.background = on;
+    connect(background_, &QCheckBox::toggled, this, [this](bool on) {
+        draft_.background = on;
         redraw();
     });
-    connect(browse, &IconButton::clicked, this, &AddServeView::pickPath);
-    connect(startButton, &PushButton::clicked, this, &AddServeView::start);
+    connect(browse_, &IconButton::clicked, this, &AddServeView::pickPath);
+    connect(startButton_, &PushButton::clicked, this, &AddServeView::start);
     redraw();
 }
 
 void AddServeView::setMode(ServeMode mode) {
-    draft.mode = mode;
+    draft_.mode = mode;
     redraw();
 }
 
 void AddServeView::setSourceType(SourceType type) {
-    draft.sourceType = type;
+    draft_.sourceType = type;
     redraw();
 }
 
 void AddServeView::setSource(const QString& text) {
-    source->setText(text);
+    source_->setText(text);
 }
 
 void AddServeView::focusSource() {
-    source->setFocus();
+    source_->setFocus();
 }
 
 void AddServeView::giveWay(bool on) {
@@ -79,79 +102,79 @@ void AddServeView::giveWay(bool on) {
 }
 
 void AddServeView::pickPath() {
-    const bool forFolder = draft.sourceType == SourceType::directory;
-    if (filePanel == nullptr) {
+    const bool forFolder = draft_.sourceType == SourceType::directory;
+    if (filePanel_ == nullptr) {
         // Kept, since its own messages and menus are its children on the stack of an event loop
         // that they run: deleting it when it closes would free those.
-        filePanel = new QFileDialog(this);
+        filePanel_ = new QFileDialog(this);
         // Nothing is made or renamed here, folders included.
-        filePanel->setOption(QFileDialog::ReadOnly);
-        connect(filePanel, &QFileDialog::fileSelected, this, &AddServeView::setSource);
+        filePanel_->setOption(QFileDialog::ReadOnly);
+        connect(filePanel_, &QFileDialog::fileSelected, this, &AddServeView::setSource);
     }
-    filePanel->setFileMode(forFolder ? QFileDialog::Directory : QFileDialog::ExistingFile);
-    filePanel->setOption(QFileDialog::ShowDirsOnly, forFolder);
+    filePanel_->setFileMode(forFolder ? QFileDialog::Directory : QFileDialog::ExistingFile);
+    filePanel_->setOption(QFileDialog::ShowDirsOnly, forFolder);
     // Not what was typed last, which may be a file where a folder is asked for.
-    if (auto* name = filePanel->findChild<QLineEdit*>()) name->clear();
-    filePanel->open();
+    if (auto* name = filePanel_->findChild<QLineEdit*>()) name->clear();
+    filePanel_->open();
 }
 
 void AddServeView::start() {
-    if (isAdding || !canStart(draft)) return;
-    errorMsg.clear();
-    isAdding = true;
+    if (isAdding_ || !canStart(draft_)) return;
+    errorMsg_.clear();
+    isAdding_ = true;
     redraw();
-    service.add(
-        draft.mode, draft.sourceType, draft.source, mountPathWord(draft), draft.background,
-        [view = QPointer(this), mode = draft.mode](bool success, const std::string& output) {
+    service_.add(
+        draft_.mode, draft_.sourceType, draft_.source, mountPathWord(draft_), draft_.background,
+        [view = QPointer(this), mode = draft_.mode](bool success, const std::string& output) {
             if (view) view->finishStart(mode, success, output);
         });
 }
 
 void AddServeView::finishStart(ServeMode mode, bool success, const std::string& output) {
-    isAdding = false;
+    isAdding_ = false;
     if (success) {
-        onAdded(toQString(startedMessage(mode)));
-        source->clear();
+        onAdded_(toQString(startedMessage(mode)));
+        source_->clear();
     } else {
-        errorMsg = toQString(startFailedMessage(output));
+        errorMsg_ = toQString(startFailedMessage(output));
     }
     redraw();
-    if (errorMsg.isEmpty()) return;
-    announce(*errorRow);
+    if (errorMsg_.isEmpty()) return;
+    announce(*errorRow_);
     // Its place is not known before the form has been laid out anew.
     QMetaObject::invokeMethod(
-        this, [this] { scroll->ensureWidgetVisible(errorRow); }, Qt::QueuedConnection);
+        this, [this] { scroll_->ensureWidgetVisible(errorRow_); }, Qt::QueuedConnection);
 }
 
 void AddServeView::redraw() {
-    const SourceTexts texts = sourceTexts(draft.sourceType);
-    const bool isFunnel = draft.mode == ServeMode::funnel;
+    const SourceTexts texts = sourceTexts(draft_.sourceType);
+    const bool isFunnel = draft_.mode == ServeMode::funnel;
     const bool hasPath =
-        draft.sourceType == SourceType::file || draft.sourceType == SourceType::directory;
+        draft_.sourceType == SourceType::file || draft_.sourceType == SourceType::directory;
 
-    modeDescription->setPlainText(toQString(brevane::modeDescription(draft.mode)));
-    sourceSection->setTitle(toQString(texts.fieldLabel));
-    source->setAccessibleName(toQString(texts.fieldLabel));
-    source->setPlaceholderText(toQString(texts.placeholder));
-    browse->setVisible(hasPath);
-    sourceHint->setPlainText(toQString(texts.hint));
-    source->setAccessibleDescription(sourceHint->text());
-    pathSection->setVisible(draft.sourceType != SourceType::tcpForward);
-    urlPathHint->setPlainText(toQString(brevane::urlPathHint(draft.sourceType)));
-    urlPath->setAccessibleDescription(urlPathHint->text());
+    modeDescription_->setPlainText(toQString(brevane::modeDescription(draft_.mode)));
+    sourceSection_->setTitle(toQString(texts.fieldLabel));
+    source_->setAccessibleName(toQString(texts.fieldLabel));
+    source_->setPlaceholderText(toQString(texts.placeholder));
+    browse_->setVisible(hasPath);
+    sourceHint_->setPlainText(toQString(texts.hint));
+    source_->setAccessibleDescription(sourceHint_->text());
+    pathSection_->setVisible(draft_.sourceType != SourceType::tcpForward);
+    urlPathHint_->setPlainText(toQString(brevane::urlPathHint(draft_.sourceType)));
+    urlPath_->setAccessibleDescription(urlPathHint_->text());
 
-    previewSection->setVisible(!draft.source.empty());
-    if (!draft.source.empty())
-        preview->setShownText(toQString(commandPreview(draft, service.dnsName.get())));
-    errorRow->setVisible(!errorMsg.isEmpty());
-    errorRow->setAccessibleName(errorMsg);
-    errorText->setShownText(errorMsg);
+    previewSection_->setVisible(!draft_.source.empty());
+    if (!draft_.source.empty())
+        preview_->setShownText(toQString(commandPreview(draft_, service_.dnsName.get())));
+    errorRow_->setVisible(!errorMsg_.isEmpty());
+    errorRow_->setAccessibleName(errorMsg_);
+    errorText_->setShownText(errorMsg_);
 
-    startButton->setText(isAdding ? tr("Starting…") : toQString(startLabel(draft.mode)));
-    startButton->setSymbol(isFunnel ? QStringLiteral("globe") : QStringLiteral("lock.shield"));
-    startButton->setTint(isFunnel ? &Colors::orangeFill : &Colors::blueFill);
-    startButton->setBusy(isAdding);
-    startButton->setEnabled(!isAdding && canStart(draft));
+    startButton_->setText(isAdding_ ? tr("Starting…") : toQString(startLabel(draft_.mode)));
+    startButton_->setSymbol(isFunnel ? QStringLiteral("globe") : QStringLiteral("lock.shield"));
+    startButton_->setTint(isFunnel ? &Colors::orangeFill : &Colors::blueFill);
+    startButton_->setBusy(isAdding_);
+    startButton_->setEnabled(!isAdding_ && canStart(draft_));
 }
 
 void AddServeView::keyPressEvent(QKeyEvent* event) {
@@ -177,23 +200,155 @@ void AddServeView::dropEvent(QDropEvent* event) {
     if (!dropped) return;
     event->acceptProposedAction();
     const auto type = dropped->isFolder ? SourceType::directory : SourceType::file;
-    sourceType->setCurrentIndex(
+    sourceType_->setCurrentIndex(
         static_cast<int>(std::ranges::find(allSourceTypes, type) - allSourceTypes.begin()));
     setSource(dropped->path);
 }
 
 void AddServeView::setDropHighlight(bool on) {
-    dropHighlight = on;
+    dropHighlight_ = on;
     update();
 }
 
 void AddServeView::paintEvent(QPaintEvent* event) {
     Surface::paintEvent(event);
-    if (!dropHighlight) return;
+    if (!dropHighlight_) return;
     QPainter painter(this);
     drawRoundedBox(painter, QRectF(rect()).adjusted(6, 6, -6, -6), Theme::cornerRadius,
                    Colors::thinned(theme().color(&Colors::blueTint), 0.06),
                    theme().color(&Colors::focus), 2);
+}
+
+// The controls are made in the order in which they are read, which is the order of the focus.
+void AddServeView::makeControls() {
+    modeDescription_ = makeCaption();
+    sourceType_ = new PopUp;
+    for (const SourceType type : allSourceTypes)
+        sourceType_->addItem(toQString(rawValue(type)));
+    sourceType_->setAccessibleName(tr("Source Type"));
+    source_ = makeField();
+    browse_ = new IconButton(QStringLiteral("folder.badge.plus"), tr("Browse…"), &Colors::text);
+    browse_->setBordered(true);
+    sourceHint_ = makeCaption();
+    urlPath_ = makeField();
+    urlPath_->setText(toQString(draft_.urlPath));
+    urlPath_->setAccessibleName(tr("URL Path (optional)"));
+    urlPathHint_ = makeCaption();
+    background_ = new QCheckBox(tr("Run in background"));
+    background_->setChecked(draft_.background);
+    preview_ = new SelectableText(tr("Preview"), TextStyle::code, &Colors::text, 6);
+    errorText_ = new SelectableText(tr("Error"), TextStyle::caption, &Colors::orangeText, 12);
+    startButton_ = new PushButton(PushButton::Kind::prominent);
+}
+
+QWidget* AddServeView::makeSourceSection() {
+    auto* section = new FormSection;
+    sourceSection_ = section;
+    auto* row = new QHBoxLayout;
+    row->setSpacing(6);
+    row->addWidget(source_, 1);
+    row->addWidget(browse_);
+    section->add(row);
+    section->add(sourceHint_);
+    return section;
+}
+
+QWidget* AddServeView::makePathSection() {
+    auto* section = new FormSection(tr("URL Path (optional)"));
+    section->add(urlPath_);
+    section->add(urlPathHint_);
+    return section;
+}
+
+QWidget* AddServeView::makeOptionsSection() {
+    auto* section = new FormSection(tr("Options"));
+    auto* caption = makeCaption(tr("Share persists after this window closes"));
+    background_->setAccessibleDescription(caption->text());
+    // Under the box's title, not under the box.
+    caption->setIndent(0);
+    caption->setContentsMargins(theme().scaled(15) + Theme::near, 0, 0, 0);
+    auto* titled = new QVBoxLayout;
+    titled->setSpacing(2);
+    titled->addWidget(background_);
+    titled->addWidget(caption);
+    section->add(titled);
+    return section;
+}
+
+QWidget* AddServeView::makePreview() {
+    auto* section = new QWidget;
+    auto* column = new QVBoxLayout(section);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(6);
+    column->addWidget(new Label(TextStyle::section, &Colors::secondary, tr("Preview")));
+    auto* box = new Surface(&Colors::blueTint, 0.09, 6);
+    auto* inside = new QVBoxLayout(box);
+    inside->setContentsMargins(9, 8, 9, 8);
+    inside->addWidget(preview_);
+    column->addWidget(box);
+    return section;
+}
+
+QWidget* AddServeView::makeErrorRow() {
+    auto* row = new QWidget;
+    setAccessibleRole(*row, QAccessible::Notification);
+    auto* line = new QHBoxLayout(row);
+    line->setContentsMargins(0, 0, 0, 0);
+    line->setSpacing(6);
+    line->addWidget(
+        new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), &Colors::orange, 11), 0,
+        Qt::AlignTop);
+    line->addWidget(errorText_, 1);
+    return row;
+}
+
+void AddServeView::layOut() {
+    auto* typeSection = new FormSection(tr("Source Type"));
+    typeSection->addNamed(sourceType_);
+    pathSection_ = makePathSection();
+    previewSection_ = makePreview();
+    errorRow_ = makeErrorRow();
+    // Nothing is measured for what has nothing to show yet.
+    previewSection_->hide();
+    errorRow_->hide();
+
+    auto* content = new QWidget;
+    auto* form = new QVBoxLayout(content);
+    form->setContentsMargins(Theme::formPadding, Theme::formPadding, Theme::formPadding,
+                             Theme::near);
+    form->setSpacing(Theme::apart);
+    form->addWidget(modeDescription_);
+    for (auto* section : {static_cast<QWidget*>(typeSection), makeSourceSection(), pathSection_,
+                          makeOptionsSection(), previewSection_, errorRow_})
+        form->addWidget(section);
+    form->addStretch();
+
+    scroll_ = new QScrollArea;
+    scroll_->setWidgetResizable(true);
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroll_->setFocusPolicy(Qt::NoFocus);
+    scroll_->setWidget(content);
+    content->setAutoFillBackground(false);
+    keepScrollBarInPadding(*scroll_, *form, Theme::formPadding);
+    auto* edge = Surface::makeDivider();
+    QSizePolicy keepsItsPlace = edge->sizePolicy();
+    keepsItsPlace.setRetainSizeWhenHidden(true);
+    edge->setSizePolicy(keepsItsPlace);
+    edge->hide();
+    connect(scroll_->verticalScrollBar(), &QScrollBar::rangeChanged, edge,
+            [edge](int, int maximum) { edge->setVisible(maximum > 0); });
+    scroll_->viewport()->setAutoFillBackground(false);
+
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, Theme::formPadding);
+    column->setSpacing(0);
+    column->addWidget(scroll_, 1);
+    column->addWidget(edge);
+    auto* footer = new QVBoxLayout;
+    footer->setContentsMargins(Theme::formPadding, Theme::near + 2, Theme::formPadding, 0);
+    footer->addWidget(startButton_);
+    column->addLayout(footer);
 }
 
 } // namespace brevane

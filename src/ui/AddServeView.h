@@ -50,7 +50,7 @@ public:
     /// Shows what the service publishes now.
     void redraw();
 
-    [[nodiscard]] const ShareDraft& currentDraft() const { return draft; }
+    [[nodiscard]] const ShareDraft& currentDraft() const { return draft_; }
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -72,30 +72,30 @@ private:
     void finishStart(ServeMode mode, bool success, const std::string& output);
     void setDropHighlight(bool on);
 
-    TailscaleService& service;
-    std::function<void(const QString&)> onAdded;
-    ShareDraft draft;
-    bool isAdding = false;
-    QString errorMsg;
-    bool dropHighlight = false;
+    TailscaleService& service_;
+    std::function<void(const QString&)> onAdded_;
+    ShareDraft draft_;
+    bool isAdding_ = false;
+    QString errorMsg_;
+    bool dropHighlight_ = false;
 
-    Label* modeDescription;
-    PopUp* sourceType;
-    FormSection* sourceSection;
-    QLineEdit* source;
-    IconButton* browse;
-    QFileDialog* filePanel = nullptr; // Made by pickPath().
-    Label* sourceHint;
-    QWidget* pathSection;
-    QLineEdit* urlPath;
-    Label* urlPathHint;
-    QCheckBox* background;
-    QWidget* previewSection;
-    SelectableText* preview;
-    QWidget* errorRow;
-    SelectableText* errorText;
-    PushButton* startButton;
-    QScrollArea* scroll;
+    Label* modeDescription_;
+    PopUp* sourceType_;
+    FormSection* sourceSection_;
+    QLineEdit* source_;
+    IconButton* browse_;
+    QFileDialog* filePanel_ = nullptr; // Made by pickPath().
+    Label* sourceHint_;
+    QWidget* pathSection_;
+    QLineEdit* urlPath_;
+    Label* urlPathHint_;
+    QCheckBox* background_;
+    QWidget* previewSection_;
+    SelectableText* preview_;
+    QWidget* errorRow_;
+    SelectableText* errorText_;
+    PushButton* startButton_;
+    QScrollArea* scroll_;
 };
 
 } // namespace brevane

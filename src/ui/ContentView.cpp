@@ -36,38 +36,38 @@ constexpr int rightMaximum = 400;
 
 } // namespace
 
-ContentView::ContentView(TailscaleService& ownService, MainQueue& ownMainQueue, QWidget* parent)
-    : QWidget(parent), service(ownService), mainQueue(ownMainQueue), leftWanted(leftIdeal),
-      rightWanted(rightIdeal) {
-    toast = new ToastBar;
-    split = new QSplitter;
-    split->setChildrenCollapsible(false);
+ContentView::ContentView(TailscaleService& service, MainQueue& mainQueue, QWidget* parent)
+    : QWidget(parent), service_(service), mainQueue_(mainQueue), leftWanted_(leftIdeal),
+      rightWanted_(rightIdeal) {
+    toast_ = new ToastBar;
+    split_ = new QSplitter;
+    split_->setChildrenCollapsible(false);
     QWidget* const left = makeLeftPane();
     QWidget* const right = makeRightPane();
     // A splitter measures what it gets: it should be what will be shown.
     redraw();
-    split->addWidget(left);
-    split->addWidget(right);
-    split->setStretchFactor(0, 1);
-    split->setStretchFactor(1, 0);
-    split->setSizes({leftIdeal, rightIdeal});
-    connect(split, &QSplitter::splitterMoved, this, [this] {
-        leftWanted = std::min(leftIdeal, split->sizes()[0]);
-        rightWanted = split->sizes()[1];
+    split_->addWidget(left);
+    split_->addWidget(right);
+    split_->setStretchFactor(0, 1);
+    split_->setStretchFactor(1, 0);
+    split_->setSizes({leftIdeal, rightIdeal});
+    connect(split_, &QSplitter::splitterMoved, this, [this] {
+        leftWanted_ = std::min(leftIdeal, split_->sizes()[0]);
+        rightWanted_ = split_->sizes()[1];
     });
     // A splitter puts each new pane before the others, which is the order that screen readers take.
-    split->widget(0)->lower();
+    split_->widget(0)->lower();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(split, 1);
-    column->addWidget(toast);
+    column->addWidget(split_, 1);
+    column->addWidget(toast_);
 
-    const auto redrawEntries = [this] { entriesChanged = true; };
-    entriesObservation = service.entries.willChange.subscribe(redrawEntries);
-    managedServersObservation = service.managedServerInfo.willChange.subscribe(redrawEntries);
-    observation = service.objectWillChange.subscribe([this] { scheduleRedraw(); });
-    form->focusSource();
+    const auto redrawEntries = [this] { entriesChanged_ = true; };
+    entriesObservation_ = service_.entries.willChange.subscribe(redrawEntries);
+    managedServersObservation_ = service_.managedServerInfo.willChange.subscribe(redrawEntries);
+    observation_ = service_.objectWillChange.subscribe([this] { scheduleRedraw(); });
+    form_->focusSource();
 }
 
 ContentView::~ContentView() = default;
@@ -75,27 +75,27 @@ ContentView::~ContentView() = default;
 QWidget* ContentView::makeLeftPane() {
     auto* pane = new Surface(&Colors::pane);
     pane->setMinimumWidth(leftMinimum);
-    statusHeader = new StatusHeader;
-    connect(statusHeader, &StatusHeader::refreshRequested, this, [this] { service.refresh(); });
+    statusHeader_ = new StatusHeader;
+    connect(statusHeader_, &StatusHeader::refreshRequested, this, [this] { service_.refresh(); });
     auto* bar = new SectionBar;
     connect(bar, &SectionBar::resetRequested, this, &ContentView::confirmReset);
-    errorBanner = new ErrorBanner;
-    connect(errorBanner, &ErrorBanner::clearRequested, this,
-            [this] { service.lastError.set(std::nullopt); });
-    list = new ShareList([this](const QString& url) { copyUrl(url); },
-                         [this](const ServeEntry& entry, std::function<void()> finished) {
-                             stop(entry, std::move(finished));
-                         });
-    emptyState = new EmptyState;
+    errorBanner_ = new ErrorBanner;
+    connect(errorBanner_, &ErrorBanner::clearRequested, this,
+            [this] { service_.lastError.set(std::nullopt); });
+    list_ = new ShareList([this](const QString& url) { copyUrl(url); },
+                          [this](const ServeEntry& entry, std::function<void()> finished) {
+                              stop(entry, std::move(finished));
+                          });
+    emptyState_ = new EmptyState;
     auto* column = new QVBoxLayout(pane);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    column->addWidget(statusHeader);
+    column->addWidget(statusHeader_);
     column->addWidget(Surface::makeDivider());
     column->addWidget(bar);
-    column->addWidget(errorBanner);
-    column->addWidget(list, 1);
-    column->addWidget(emptyState, 1);
+    column->addWidget(errorBanner_);
+    column->addWidget(list_, 1);
+    column->addWidget(emptyState_, 1);
     return pane;
 }
 
@@ -103,9 +103,9 @@ QWidget* ContentView::makeRightPane() {
     auto* pane = new Surface(&Colors::window);
     pane->setMinimumWidth(rightMinimum);
     pane->setMaximumWidth(rightMaximum);
-    modeHeader = new ModeHeader;
-    form = new AddServeView(service, [this](const QString& message) { showToast(message); });
-    connect(modeHeader, &ModeHeader::modeChanged, form, &AddServeView::setMode);
+    modeHeader_ = new ModeHeader;
+    form_ = new AddServeView(service_, [this](const QString& message) { showToast(message); });
+    connect(modeHeader_, &ModeHeader::modeChanged, form_, &AddServeView::setMode);
     auto* column = new QVBoxLayout(pane);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
@@ -113,39 +113,39 @@ QWidget* ContentView::makeRightPane() {
     // the form stays as it is.
     auto* toastPlace = new QWidget;
     const auto resizePlace = [this, toastPlace] {
-        toastPlace->setFixedHeight(toast->sizeHint().height() - AddServeView::givesWay);
+        toastPlace->setFixedHeight(toast_->sizeHint().height() - AddServeView::givesWay);
     };
     resizePlace();
     connect(&theme(), &Theme::changed, toastPlace, resizePlace, Qt::QueuedConnection);
-    connect(toast, &ToastBar::visibilityChanged, toastPlace, &QWidget::setHidden);
-    connect(toast, &ToastBar::visibilityChanged, form, &AddServeView::giveWay);
-    column->addWidget(modeHeader);
+    connect(toast_, &ToastBar::visibilityChanged, toastPlace, &QWidget::setHidden);
+    connect(toast_, &ToastBar::visibilityChanged, form_, &AddServeView::giveWay);
+    column->addWidget(modeHeader_);
     column->addWidget(Surface::makeDivider());
-    column->addWidget(form, 1);
+    column->addWidget(form_, 1);
     column->addWidget(toastPlace);
     return pane;
 }
 
 void ContentView::showToast(const QString& message) {
-    toast->showToast(message);
+    toast_->showToast(message);
 }
 
 // Where there is not enough for both panes, the list gives way last.
 void ContentView::shareWidth() {
-    const int both = width() - split->handleWidth();
+    const int both = width() - split_->handleWidth();
     // Larger text needs more of it.
-    const int least = std::min(rightWanted, theme().scaled(rightMinimum));
-    const int right = std::clamp(both - leftWanted, least, rightWanted);
-    split->setSizes({both - right, right});
+    const int least = std::min(rightWanted_, theme().scaled(rightMinimum));
+    const int right = std::clamp(both - leftWanted_, least, rightWanted_);
+    split_->setSizes({both - right, right});
 }
 
 // Both headers are as high as the higher one needs to be.
 void ContentView::matchHeaderHeights() {
     constexpr int least = 56;
-    const int right = modeHeader->heightForWidth(modeHeader->width());
-    const int headerHeight = std::max({least, statusHeader->sizeHint().height(), right});
-    statusHeader->setFixedHeight(headerHeight);
-    modeHeader->setFixedHeight(headerHeight);
+    const int right = modeHeader_->heightForWidth(modeHeader_->width());
+    const int headerHeight = std::max({least, statusHeader_->sizeHint().height(), right});
+    statusHeader_->setFixedHeight(headerHeight);
+    modeHeader_->setFixedHeight(headerHeight);
 }
 
 // A scroll area by itself follows only a focus that moves within it.
@@ -173,23 +173,24 @@ bool ContentView::event(QEvent* event) {
 }
 
 void ContentView::scheduleRedraw() {
-    if (std::exchange(redrawScheduled, true)) return;
+    if (std::exchange(redrawScheduled_, true)) return;
     QMetaObject::invokeMethod(this, &ContentView::redraw, Qt::QueuedConnection);
 }
 
 void ContentView::redraw() {
-    redrawScheduled = false;
-    statusHeader->setStatus(service.isConnected.get(),
-                            toQString(statusLine(service.isConnected.get(), service.dnsName.get(),
-                                                 service.tailscaleIP.get())));
-    statusHeader->setLoading(service.isLoading.get());
-    errorBanner->setError(toQString(service.lastError.get().value_or("")));
-    if (std::exchange(entriesChanged, false)) {
-        list->setShares(service.entries.get(), service.managedServerInfo.get());
-        list->setVisible(!service.entries->empty());
-        emptyState->setVisible(service.entries->empty());
+    redrawScheduled_ = false;
+    statusHeader_->setStatus(
+        service_.isConnected.get(),
+        toQString(statusLine(service_.isConnected.get(), service_.dnsName.get(),
+                             service_.tailscaleIP.get())));
+    statusHeader_->setLoading(service_.isLoading.get());
+    errorBanner_->setError(toQString(service_.lastError.get().value_or("")));
+    if (std::exchange(entriesChanged_, false)) {
+        list_->setShares(service_.entries.get(), service_.managedServerInfo.get());
+        list_->setVisible(!service_.entries->empty());
+        emptyState_->setVisible(service_.entries->empty());
     }
-    form->redraw();
+    form_->redraw();
 }
 
 void ContentView::copyUrl(const QString& url) {
@@ -200,48 +201,48 @@ void ContentView::copyUrl(const QString& url) {
 }
 
 void ContentView::stop(const ServeEntry& entry, std::function<void()> finished) {
-    service.stopEntry(entry,
-                      [view = QPointer(this), finished](bool success, const std::string& output) {
-                          if (!view) return;
-                          finished();
-                          if (success)
-                              view->showToast(tr("Share stopped"));
-                          else
-                              view->failToStop(output);
-                      });
+    service_.stopEntry(entry,
+                       [view = QPointer(this), finished](bool success, const std::string& output) {
+                           if (!view) return;
+                           finished();
+                           if (success)
+                               view->showToast(tr("Share stopped"));
+                           else
+                               view->failToStop(output);
+                       });
 }
 
 void ContentView::failToStop(const std::string& output) {
     // The refresh that every stop begins has queued a task that clears the error. Queued behind it,
     // this one is not wiped before anyone has seen it.
-    mainQueue.post([view = QPointer(this), message = stopFailedMessage(output)] {
-        if (view) view->service.lastError.set(message);
+    mainQueue_.post([view = QPointer(this), message = stopFailedMessage(output)] {
+        if (view) view->service_.lastError.set(message);
     });
 }
 
 void ContentView::confirmReset(ResetTarget target) {
     // What the open question asks about is what it will do.
-    if (showResetConfirm) return;
-    resetTarget = target;
+    if (showResetConfirm_) return;
+    resetTarget_ = target;
     const ResetTexts texts = resetTexts(target);
-    showResetConfirm = openConfirmation(toQString(texts.title), toQString(texts.message),
-                                        tr("Reset"), window(), [view = QPointer(this)] {
-                                            if (view) view->performReset();
-                                        });
+    showResetConfirm_ = openConfirmation(toQString(texts.title), toQString(texts.message),
+                                         tr("Reset"), window(), [view = QPointer(this)] {
+                                             if (view) view->performReset();
+                                         });
 }
 
 void ContentView::performReset() {
-    const auto done = [view = QPointer(this), target = resetTarget] {
+    const auto done = [view = QPointer(this), target = resetTarget_] {
         if (view) view->showToast(toQString(resetTexts(target).toast));
     };
     const auto whateverTheOutcome = [done](bool, const std::string&) { done(); };
-    switch (resetTarget) {
+    switch (resetTarget_) {
     case ResetTarget::all:
-        return service.resetAll(done);
+        return service_.resetAll(done);
     case ResetTarget::serves:
-        return service.resetServes(whateverTheOutcome);
+        return service_.resetServes(whateverTheOutcome);
     case ResetTarget::funnels:
-        return service.resetFunnels(whateverTheOutcome);
+        return service_.resetFunnels(whateverTheOutcome);
     }
 }
 

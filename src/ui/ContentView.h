@@ -40,7 +40,7 @@ public:
     void showToast(const QString& message);
 
     /// What the last reset that was asked for is about, whether or not it was confirmed.
-    [[nodiscard]] ResetTarget currentResetTarget() const { return resetTarget; }
+    [[nodiscard]] ResetTarget currentResetTarget() const { return resetTarget_; }
 
     /// Calls the service for the reset that is pending.
     void performReset();
@@ -62,26 +62,26 @@ private:
     void failToStop(const std::string& output);
     void confirmReset(ResetTarget target);
 
-    TailscaleService& service;
-    MainQueue& mainQueue;
-    ResetTarget resetTarget = ResetTarget::all;
-    QPointer<QMessageBox> showResetConfirm;
-    int leftWanted;  ///< how narrow the list is before the form begins to give way
-    int rightWanted; ///< how wide the form is where there is enough
-    bool redrawScheduled = false;
-    bool entriesChanged = true;
+    TailscaleService& service_;
+    MainQueue& mainQueue_;
+    ResetTarget resetTarget_ = ResetTarget::all;
+    QPointer<QMessageBox> showResetConfirm_;
+    int leftWanted_;  ///< how narrow the list is before the form begins to give way
+    int rightWanted_; ///< how wide the form is where there is enough
+    bool redrawScheduled_ = false;
+    bool entriesChanged_ = true;
 
-    StatusHeader* statusHeader;
-    ErrorBanner* errorBanner;
-    ShareList* list;
-    EmptyState* emptyState;
-    ModeHeader* modeHeader;
-    AddServeView* form;
-    QSplitter* split;
-    ToastBar* toast;
-    Subscription observation;
-    Subscription entriesObservation;
-    Subscription managedServersObservation;
+    StatusHeader* statusHeader_;
+    ErrorBanner* errorBanner_;
+    ShareList* list_;
+    EmptyState* emptyState_;
+    ModeHeader* modeHeader_;
+    AddServeView* form_;
+    QSplitter* split_;
+    ToastBar* toast_;
+    Subscription observation_;
+    Subscription entriesObservation_;
+    Subscription managedServersObservation_;
 };
 
 } // namespace brevane

@@ -12,7 +12,7 @@ namespace brevane {
 
 ErrorBanner::ErrorBanner(QWidget* parent)
     : Surface(&Colors::orangeTint, 0.12, 0, parent),
-      text(new SelectableText(tr("Error"), TextStyle::caption, &Colors::text, 8)) {
+      text_(new SelectableText(tr("Error"), TextStyle::caption, &Colors::text, 8)) {
     setAccessibleRole(*this, QAccessible::Notification);
     auto* clear = new PushButton(PushButton::Kind::link, tr("Clear"));
     connect(clear, &PushButton::clicked, this, &ErrorBanner::clearRequested);
@@ -23,8 +23,8 @@ ErrorBanner::ErrorBanner(QWidget* parent)
     const int line = clear->sizeHint().height();
     warning->setFixedHeight(line);
     auto* words = new QVBoxLayout;
-    words->setContentsMargins(0, (line - text->fontMetrics().height()) / 2, 0, 0);
-    words->addWidget(text);
+    words->setContentsMargins(0, (line - text_->fontMetrics().height()) / 2, 0, 0);
+    words->addWidget(text_);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(Theme::headerPadding, 5, Theme::headerPadding - 4, 6);
     row->setSpacing(Theme::near);
@@ -37,7 +37,7 @@ ErrorBanner::ErrorBanner(QWidget* parent)
 void ErrorBanner::setError(const QString& error) {
     const bool isNew = error != accessibleName();
     setAccessibleName(error);
-    text->setShownText(error);
+    text_->setShownText(error);
     setVisible(!error.isEmpty());
     if (isNew && !error.isEmpty()) announce(*this);
 }

@@ -20,7 +20,7 @@ Q_SIGNALS:
     void clearRequested();
 
 private:
-    SelectableText* text;
+    SelectableText* text_;
 };
 
 } // namespace brevane

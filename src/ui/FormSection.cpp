@@ -4,29 +4,29 @@
 namespace brevane {
 
 FormSection::FormSection(const QString& title, QWidget* parent)
-    : QWidget(parent), label(new Label(TextStyle::section, &Colors::secondary)),
-      column(new QVBoxLayout(this)) {
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(6);
-    column->addWidget(label);
+    : QWidget(parent), label_(new Label(TextStyle::section, &Colors::secondary)),
+      column_(new QVBoxLayout(this)) {
+    column_->setContentsMargins(0, 0, 0, 0);
+    column_->setSpacing(6);
+    column_->addWidget(label_);
     setTitle(title);
 }
 
 void FormSection::setTitle(const QString& title) {
-    label->setPlainText(title.toUpper());
+    label_->setPlainText(title.toUpper());
 }
 
 void FormSection::addNamed(QWidget* control) {
-    label->setBuddy(control);
+    label_->setBuddy(control);
     add(control);
 }
 
 void FormSection::add(QWidget* widget) {
-    column->addWidget(widget);
+    column_->addWidget(widget);
 }
 
 void FormSection::add(QLayout* layout) {
-    column->addLayout(layout);
+    column_->addLayout(layout);
 }
 
 Label* makeCaption(const QString& text) {

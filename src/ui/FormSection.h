@@ -23,8 +23,8 @@ public:
     void add(QLayout* layout);
 
 private:
-    Label* label;
-    QVBoxLayout* column;
+    Label* label_;
+    QVBoxLayout* column_;
 };
 
 /// A caption that wraps, as hints do.

@@ -13,7 +13,7 @@ namespace brevane {
 
 ModeHeader::ModeHeader(QWidget* parent)
     : Surface(&Colors::window, 1, 0, parent),
-      caption(new Label(TextStyle::caption, &Colors::secondary)) {
+      caption_(new Label(TextStyle::caption, &Colors::secondary)) {
     QStringList labels;
     for (const ServeMode mode : allServeModes)
         labels << toQString(rawValue(mode));
@@ -23,8 +23,8 @@ ModeHeader::ModeHeader(QWidget* parent)
     picker->setAccessibleName(tr("Mode"));
     connect(picker, &SegmentedControl::currentIndexChanged, this,
             [this](int index) { choose(allServeModes[static_cast<std::size_t>(index)]); });
-    caption->setWordWrap(true);
-    caption->setAlignment(Qt::AlignHCenter);
+    caption_->setWordWrap(true);
+    caption_->setAlignment(Qt::AlignHCenter);
 
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(Theme::headerPadding, Theme::headerPadding, Theme::headerPadding,
@@ -32,14 +32,14 @@ ModeHeader::ModeHeader(QWidget* parent)
     column->setSpacing(6);
     column->addStretch();
     column->addWidget(picker, 0, Qt::AlignHCenter);
-    column->addWidget(caption);
+    column->addWidget(caption_);
     column->addStretch();
     choose(ServeMode::serve);
 }
 
 void ModeHeader::choose(ServeMode mode) {
-    chosen = mode;
-    caption->setPlainText(toQString(modeCaption(mode)));
+    chosen_ = mode;
+    caption_->setPlainText(toQString(modeCaption(mode)));
     Q_EMIT modeChanged(mode);
 }
 

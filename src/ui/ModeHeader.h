@@ -14,7 +14,7 @@ class ModeHeader : public Surface {
 public:
     explicit ModeHeader(QWidget* parent = nullptr);
 
-    [[nodiscard]] ServeMode mode() const { return chosen; }
+    [[nodiscard]] ServeMode mode() const { return chosen_; }
 
 Q_SIGNALS:
     void modeChanged(brevane::ServeMode mode);
@@ -22,8 +22,8 @@ Q_SIGNALS:
 private:
     void choose(ServeMode mode);
 
-    ServeMode chosen = ServeMode::serve;
-    Label* caption;
+    ServeMode chosen_ = ServeMode::serve;
+    Label* caption_;
 };
 
 } // namespace brevane

@@ -17,7 +17,7 @@ class StatusHeader::Dot : public QWidget {
 public:
     Dot() { setFixedSize(6, 6); }
     void setConnected(bool on) {
-        isConnected = on;
+        isConnected_ = on;
         update();
     }
 
@@ -26,34 +26,34 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(theme().color(isConnected ? &Colors::green : &Colors::red));
+        painter.setBrush(theme().color(isConnected_ ? &Colors::green : &Colors::red));
         painter.drawEllipse(rect());
     }
 
 private:
-    bool isConnected = false;
+    bool isConnected_ = false;
 };
 
 StatusHeader::StatusHeader(QWidget* parent)
-    : Surface(&Colors::pane, 1, 0, parent), spinner(new Spinner(12)), dot(new Dot),
-      status(new Label(TextStyle::caption, &Colors::secondary)) {
+    : Surface(&Colors::pane, 1, 0, parent), spinner_(new Spinner(12)), dot_(new Dot),
+      status_(new Label(TextStyle::caption, &Colors::secondary)) {
     const QKeySequence keys(Qt::CTRL | Qt::Key_R);
     auto* refresh = new IconButton(QStringLiteral("arrow.clockwise"),
                                    tr("Refresh (%1)").arg(keys.toString(QKeySequence::NativeText)));
     refresh->setShortcut(keys);
     connect(refresh, &IconButton::clicked, this, &StatusHeader::refreshRequested);
-    status->setElided();
-    spinner->hide();
+    status_->setElided();
+    spinner_->hide();
 
     auto* firstLine = new QHBoxLayout;
     firstLine->setSpacing(Theme::near);
     firstLine->addWidget(new Label(TextStyle::headline, &Colors::text, QStringLiteral("Brevane")));
-    firstLine->addWidget(spinner);
+    firstLine->addWidget(spinner_);
     firstLine->addStretch();
     auto* secondLine = new QHBoxLayout;
     secondLine->setSpacing(6);
-    secondLine->addWidget(dot);
-    secondLine->addWidget(status, 1);
+    secondLine->addWidget(dot_);
+    secondLine->addWidget(status_, 1);
     auto* lines = new QVBoxLayout;
     lines->setSpacing(2);
     lines->addStretch();
@@ -71,12 +71,12 @@ StatusHeader::StatusHeader(QWidget* parent)
 }
 
 void StatusHeader::setStatus(bool isConnected, const QString& statusLine) {
-    dot->setConnected(isConnected);
-    status->setPlainText(statusLine);
+    dot_->setConnected(isConnected);
+    status_->setPlainText(statusLine);
 }
 
 void StatusHeader::setLoading(bool isLoading) {
-    spinner->setVisible(isLoading);
+    spinner_->setVisible(isLoading);
 }
 
 } // namespace brevane

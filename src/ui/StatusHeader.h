@@ -28,9 +28,9 @@ Q_SIGNALS:
 private:
     class Dot;
 
-    Spinner* spinner;
-    Dot* dot;
-    Label* status;
+    Spinner* spinner_;
+    Dot* dot_;
+    Label* status_;
 };
 
 } // namespace brevane

@@ -10,17 +10,17 @@
 namespace brevane {
 
 ToastBar::ToastBar(QWidget* parent)
-    : Surface(&Colors::greenTint, 0.12, 0, parent), text(new Label(TextStyle::callout)) {
+    : Surface(&Colors::greenTint, 0.12, 0, parent), text_(new Label(TextStyle::callout)) {
     setAccessibleRole(*this, QAccessible::Notification);
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(14, 8, 14, 8);
     row->setSpacing(8);
     row->addWidget(new SymbolView(QStringLiteral("checkmark.circle.fill"), &Colors::green, 12));
-    row->addWidget(text, 1);
-    toastTimer.setSingleShot(true);
-    toastTimer.setInterval(shownForMs);
-    toastTimer.setTimerType(Qt::PreciseTimer);
-    connect(&toastTimer, &QTimer::timeout, this, &QWidget::hide);
+    row->addWidget(text_, 1);
+    toastTimer_.setSingleShot(true);
+    toastTimer_.setInterval(shownForMs);
+    toastTimer_.setTimerType(Qt::PreciseTimer);
+    connect(&toastTimer_, &QTimer::timeout, this, &QWidget::hide);
     hide();
 }
 
@@ -33,11 +33,11 @@ void ToastBar::hideEvent(QHideEvent*) {
 }
 
 void ToastBar::showToast(const QString& message) {
-    text->setPlainText(message);
+    text_->setPlainText(message);
     setAccessibleName(message);
     show();
     announce(*this);
-    toastTimer.start();
+    toastTimer_.start();
 }
 
 } // namespace brevane

@@ -28,8 +28,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
-    Label* text;
-    QTimer toastTimer;
+    Label* text_;
+    QTimer toastTimer_;
 };
 
 } // namespace brevane

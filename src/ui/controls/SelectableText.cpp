@@ -77,57 +77,57 @@ private:
     QPointer<QFocusFrame> ring_;
 };
 
-SelectableText::SelectableText(const QString& spokenName, TextStyle textStyle, ColorRole textColor,
-                               int lines, QWidget* parent)
-    : QWidget(parent), name(spokenName), style(textStyle), color(textColor), maximumLines(lines) {
+SelectableText::SelectableText(const QString& name, TextStyle style, ColorRole color, int lines,
+                               QWidget* parent)
+    : QWidget(parent), name_(name), style_(style), color_(color), maximumLines_(lines) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     applyTheme();
     connect(&theme(), &Theme::changed, this, &SelectableText::applyTheme);
 }
 
 void SelectableText::makeViewer() {
-    viewer = new Viewer(this);
-    viewer->setAccessibleName(name);
-    viewer->setGeometry(rect());
+    viewer_ = new Viewer(this);
+    viewer_->setAccessibleName(name_);
+    viewer_->setGeometry(rect());
     // The keyboard comes to it where it would come to this widget, if that took the focus itself.
     setFocusPolicy(Qt::TabFocus);
-    setTabOrder(this, viewer);
+    setTabOrder(this, viewer_);
     setFocusPolicy(Qt::NoFocus);
     applyTheme();
-    viewer->show();
+    viewer_->show();
 }
 
 void SelectableText::applyTheme() {
-    setFont(theme().font(style));
-    if (viewer == nullptr) return;
-    viewer->setFont(font());
-    viewer->document()->setDefaultFont(font());
-    viewer->setTextColor(theme().color(color));
-    QPalette palette = viewer->palette();
-    palette.setColor(QPalette::Text, theme().color(color));
-    viewer->setPalette(palette);
+    setFont(theme().font(style_));
+    if (viewer_ == nullptr) return;
+    viewer_->setFont(font());
+    viewer_->document()->setDefaultFont(font());
+    viewer_->setTextColor(theme().color(color_));
+    QPalette palette = viewer_->palette();
+    palette.setColor(QPalette::Text, theme().color(color_));
+    viewer_->setPalette(palette);
     // What is there already keeps the old colour.
-    viewer->setPlainText(viewer->toPlainText());
+    viewer_->setPlainText(viewer_->toPlainText());
     updateGeometry();
 }
 
 void SelectableText::setShownText(const QString& text) {
-    if (viewer == nullptr && text.isEmpty()) return;
-    if (viewer == nullptr) makeViewer();
+    if (viewer_ == nullptr && text.isEmpty()) return;
+    if (viewer_ == nullptr) makeViewer();
     const QString shown = clipped(text);
-    if (shown == viewer->toPlainText()) return;
-    if (viewer->wordWrapMode() != wrapMode(shown)) {
+    if (shown == viewer_->toPlainText()) return;
+    if (viewer_->wordWrapMode() != wrapMode(shown)) {
         // Setting the mode lays out the old text again.
-        viewer->clear();
-        viewer->setWordWrapMode(wrapMode(shown));
+        viewer_->clear();
+        viewer_->setWordWrapMode(wrapMode(shown));
     }
-    viewer->setPlainText(shown);
+    viewer_->setPlainText(shown);
     updateGeometry();
 }
 
 int SelectableText::heightForWidth(int width) const {
-    if (viewer == nullptr) return fontMetrics().height();
-    const QString text = viewer->toPlainText();
+    if (viewer_ == nullptr) return fontMetrics().height();
+    const QString text = viewer_->toPlainText();
     QTextDocument measured;
     measured.setDocumentMargin(0);
     measured.setDefaultFont(font());
@@ -137,7 +137,7 @@ int SelectableText::heightForWidth(int width) const {
     measured.setPlainText(text.left(longText));
     measured.setTextWidth(width);
     const int whole = static_cast<int>(std::ceil(measured.size().height()));
-    return std::min(whole, maximumLines * fontMetrics().lineSpacing());
+    return std::min(whole, maximumLines_ * fontMetrics().lineSpacing());
 }
 
 QSize SelectableText::sizeHint() const {
@@ -150,7 +150,7 @@ QSize SelectableText::minimumSizeHint() const {
 }
 
 void SelectableText::resizeEvent(QResizeEvent* event) {
-    if (viewer != nullptr) viewer->setGeometry(rect());
+    if (viewer_ != nullptr) viewer_->setGeometry(rect());
     if (event->oldSize().width() != event->size().width()) updateGeometry();
 }
 

@@ -35,11 +35,11 @@ private:
     void makeViewer();
     void applyTheme();
 
-    QString name;
-    TextStyle style;
-    ColorRole color;
-    int maximumLines;
-    Viewer* viewer = nullptr;
+    QString name_;
+    TextStyle style_;
+    ColorRole color_;
+    int maximumLines_;
+    Viewer* viewer_ = nullptr;
 };
 
 } // namespace brevane

@@ -7,9 +7,8 @@
 
 namespace brevane {
 
-Surface::Surface(ColorRole surfaceColor, double surfaceOpacity, double cornerRadius,
-                 QWidget* parent)
-    : QWidget(parent), color(surfaceColor), opacity(surfaceOpacity), radius(cornerRadius) {}
+Surface::Surface(ColorRole color, double opacity, double radius, QWidget* parent)
+    : QWidget(parent), color_(color), opacity_(opacity), radius_(radius) {}
 
 Surface* Surface::makeDivider(QWidget* parent) {
     auto* divider = new Surface(&Colors::line, 1, 0, parent);
@@ -19,9 +18,9 @@ Surface* Surface::makeDivider(QWidget* parent) {
 
 void Surface::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QColor fill = Colors::thinned(theme().color(color), opacity);
-    if (radius > 0)
-        drawRoundedBox(painter, rect(), radius, fill);
+    const QColor fill = Colors::thinned(theme().color(color_), opacity_);
+    if (radius_ > 0)
+        drawRoundedBox(painter, rect(), radius_, fill);
     else
         painter.fillRect(rect(), fill);
 }

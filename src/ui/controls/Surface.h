@@ -21,9 +21,9 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    ColorRole color;
-    double opacity;
-    double radius;
+    ColorRole color_;
+    double opacity_;
+    double radius_;
 };
 
 } // namespace brevane

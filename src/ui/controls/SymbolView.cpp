@@ -7,33 +7,32 @@
 
 namespace brevane {
 
-SymbolView::SymbolView(const QString& symbol, ColorRole symbolColor, int symbolFontSize,
-                       QWidget* parent)
-    : QWidget(parent), name(symbol), color(symbolColor), fontSize(symbolFontSize) {
+SymbolView::SymbolView(const QString& symbol, ColorRole color, int fontSize, QWidget* parent)
+    : QWidget(parent), name_(symbol), color_(color), fontSize_(fontSize) {
     resizeToFont();
     connect(&theme(), &Theme::changed, this, &SymbolView::resizeToFont);
 }
 
 void SymbolView::resizeToFont() {
-    const int side = theme().symbolSize(fontSize);
+    const int side = theme().symbolSize(fontSize_);
     setFixedSize(side, side);
 }
 
 void SymbolView::setSymbol(const QString& symbol) {
-    if (name == symbol) return;
-    name = symbol;
+    if (name_ == symbol) return;
+    name_ = symbol;
     update();
 }
 
 void SymbolView::setColor(ColorRole role) {
-    if (color == role) return;
-    color = role;
+    if (color_ == role) return;
+    color_ = role;
     update();
 }
 
 void SymbolView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    drawSymbol(painter, rect(), name, theme().color(color), width());
+    drawSymbol(painter, rect(), name_, theme().color(color_), width());
 }
 
 } // namespace brevane

@@ -15,7 +15,7 @@ public:
                         QWidget* parent = nullptr);
 
     void setSymbol(const QString& name);
-    [[nodiscard]] const QString& symbol() const { return name; }
+    [[nodiscard]] const QString& symbol() const { return name_; }
     void setColor(ColorRole role);
 
 protected:
@@ -24,9 +24,9 @@ protected:
 private:
     void resizeToFont();
 
-    QString name;
-    ColorRole color;
-    int fontSize;
+    QString name_;
+    ColorRole color_;
+    int fontSize_;
 };
 
 } // namespace brevane

@@ -54,14 +54,14 @@ QDBusMessage readScheme(bool mayStartPortal) {
 
 SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
     const QPalette palette = QGuiApplication::palette();
-    dark = palette.color(QPalette::Window).lightness() <
-           palette.color(QPalette::WindowText).lightness();
+    dark_ = palette.color(QPalette::Window).lightness() <
+            palette.color(QPalette::WindowText).lightness();
     // Connecting to the bus takes a while, in which the window can be made.
-    asking = std::async(std::launch::async, [this] { askPortal(); });
+    asking_ = std::async(std::launch::async, [this] { askPortal(); });
 }
 
 void SystemAppearance::awaitFirstAnswer() {
-    asking.wait();
+    asking_.wait();
     QCoreApplication::sendPostedEvents(this);
 }
 
@@ -107,8 +107,8 @@ void SystemAppearance::portalSettingChanged(const QString& group, const QString&
 #endif
 
 void SystemAppearance::setDark(bool isDark) {
-    if (dark == isDark) return;
-    dark = isDark;
+    if (dark_ == isDark) return;
+    dark_ = isDark;
     Q_EMIT changed();
 }
 

@@ -18,7 +18,7 @@ class SystemAppearance : public QObject {
 public:
     explicit SystemAppearance(QObject* parent = nullptr);
 
-    [[nodiscard]] bool isDark() const { return dark; }
+    [[nodiscard]] bool isDark() const { return dark_; }
 
     /// Waits for the portal's first answer, which otherwise comes with the events: at most a
     /// twentieth of a second from when the session bus is there.
@@ -35,8 +35,8 @@ private:
     void askPortal();
     void startPortal();
 
-    bool dark = false;
-    std::future<void> asking;
+    bool dark_ = false;
+    std::future<void> asking_;
 };
 
 } // namespace brevane

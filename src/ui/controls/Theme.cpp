@@ -54,15 +54,15 @@ double pixelSize(const QFont& font) {
 
 } // namespace
 
-Theme::Theme(Scheme scheme) : dark(scheme == Scheme::dark) {
+Theme::Theme(Scheme scheme) : dark_(scheme == Scheme::dark) {
     Q_ASSERT(instance == nullptr);
     instance = this;
     installAccessibleInterfaces();
     if (scheme == Scheme::system) {
-        appearance = new SystemAppearance(this);
-        dark = appearance->isDark();
-        connect(appearance, &SystemAppearance::changed, this,
-                [this] { setDark(appearance->isDark()); });
+        appearance_ = new SystemAppearance(this);
+        dark_ = appearance_->isDark();
+        connect(appearance_, &SystemAppearance::changed, this,
+                [this] { setDark(appearance_->isDark()); });
     }
     QApplication::setStyle(new Style);
     QApplication::setPalette(palette());
@@ -111,12 +111,12 @@ void Theme::loadFonts() const {
 }
 
 void Theme::awaitDesktop() const {
-    if (appearance != nullptr) appearance->awaitFirstAnswer();
+    if (appearance_ != nullptr) appearance_->awaitFirstAnswer();
 }
 
 void Theme::setDark(bool isDark) {
-    if (dark == isDark) return;
-    dark = isDark;
+    if (dark_ == isDark) return;
+    dark_ = isDark;
     // Sends every widget a palette change, on which it repaints.
     QApplication::setPalette(palette());
     Q_EMIT changed();
@@ -143,15 +143,15 @@ bool Theme::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void Theme::setMnemonics(bool on) {
-    if (mnemonics == on) return;
-    mnemonics = on;
+    if (mnemonics_ == on) return;
+    mnemonics_ = on;
     for (QWidget* widget : QApplication::allWidgets())
         if (qobject_cast<QMenuBar*>(widget) || qobject_cast<QMenu*>(widget)) widget->update();
 }
 
 QPalette Theme::palette() const {
     const Colors& c = colors();
-    QPalette palette(dark ? QColor(0x3a, 0x3a, 0x3c) : QColor(0xec, 0xec, 0xee), c.window);
+    QPalette palette(dark_ ? QColor(0x3a, 0x3a, 0x3c) : QColor(0xec, 0xec, 0xee), c.window);
     palette.setColor(QPalette::Base, c.popup);
     palette.setColor(QPalette::ToolTipBase, c.popup);
     for (const auto role :

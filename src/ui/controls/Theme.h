@@ -55,8 +55,8 @@ public:
     /// The theme in use. There is one as long as there are widgets.
     [[nodiscard]] static const Theme& current();
 
-    [[nodiscard]] bool isDark() const { return dark; }
-    [[nodiscard]] const Colors& colors() const { return dark ? Colors::dark() : Colors::light(); }
+    [[nodiscard]] bool isDark() const { return dark_; }
+    [[nodiscard]] const Colors& colors() const { return dark_ ? Colors::dark() : Colors::light(); }
     [[nodiscard]] QColor color(ColorRole role) const { return colors().*role; }
 
     /// The desktop's own font in the size and weight of a style. Sizes follow the desktop's size.
@@ -77,7 +77,7 @@ public:
     void awaitDesktop() const;
 
     /// Whether the letters that open menus are underlined: while Alt is held.
-    [[nodiscard]] bool showsMnemonics() const { return mnemonics; }
+    [[nodiscard]] bool showsMnemonics() const { return mnemonics_; }
 
     /// Leaves the desktop's scheme for a fixed one.
     void setDark(bool isDark);
@@ -94,9 +94,9 @@ private:
     [[nodiscard]] double textScale() const;
     void setMnemonics(bool on);
 
-    SystemAppearance* appearance = nullptr;
-    bool dark = false;
-    bool mnemonics = false;
+    SystemAppearance* appearance_ = nullptr;
+    bool dark_ = false;
+    bool mnemonics_ = false;
 };
 
 /// The theme in use.
