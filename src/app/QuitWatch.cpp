@@ -75,6 +75,11 @@ struct QuitWatch::State {
             if (const auto call = std::exchange(quit, nullptr)) call();
         }
         std::this_thread::sleep_until(end);
+#ifdef __linux__
+        // The kernel keeps a process, and with it all that is open, while one of its threads waits
+        // for a file system that does not answer. Window, ports and the lock go all the same.
+        closefrom(STDERR_FILENO + 1);
+#endif
         _exit(status);
     }
 };

@@ -15,6 +15,7 @@ from driver.tailnet import Tailnet
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program under test")
     parser.addoption("--tailscale", required=True, help="DIR/host/tailscale, the command that it was built for")
+    parser.addoption("--hung-disk", help="a program that mounts a file system that hangs; needs root")
     parser.addoption("--tailnet-programs", required=True, help="folder of tailnet, tailscale and tailscaled")
 
 

@@ -18,10 +18,12 @@ class Application:
         self.desktop = desktop
         self.child = None
         self.window = None
+        self.mounts = None  # those that it sees, where they are not everybody's
 
     @property
     def preferences(self):
-        return self.desktop.folder / "config" / "brevane" / "preferences.json"
+        file = self.desktop.folder / "config" / "brevane" / "preferences.json"
+        return self.mounts.seen(file) if self.mounts else file
 
     @property
     def log(self):
@@ -37,7 +39,8 @@ class Application:
 
     def launch(self):
         """Starts the program and gives its process."""
-        self.child = process.start(self.program, env=self.desktop.environment, log=self.log)
+        command = self.mounts.inside(self.program) if self.mounts else [self.program]
+        self.child = process.start(*command, env=self.desktop.environment, log=self.log)
         return self.child
 
     def start(self):
