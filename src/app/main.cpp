@@ -24,12 +24,14 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <memory>
 #include <vector>
 
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -38,6 +40,16 @@ using namespace brevane;
 
 /// A window takes 30. Libraries that get none write of it what they like.
 constexpr std::size_t neededDescriptors = 64;
+
+/// What a window takes of address space, its threads' stacks and heaps included. Libraries that get
+/// none crash, or wait for ever.
+constexpr std::size_t neededAddressSpace = std::size_t(512) << 20;
+
+bool isAddressSpaceFree(std::size_t size) {
+    void* const memory =
+        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return memory != MAP_FAILED && munmap(memory, size) == 0;
+}
 
 /// Ends commands under way and waits for that and for the record. Set while there may be some.
 std::function<void()> endCommands;
@@ -103,6 +115,10 @@ int main(int argc, char** argv) {
     installLastWords();
     if (raiseOpenFileLimit() < neededDescriptors) {
         std::fputs("brevane: too few descriptors may be open\n", stderr);
+        return EXIT_FAILURE;
+    }
+    if (!isAddressSpaceFree(neededAddressSpace)) {
+        std::fputs("brevane: too little memory may be used\n", stderr);
         return EXIT_FAILURE;
     }
     // It is kept for when there is no descriptor left to ask with.
