@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """How the program ends, whatever it is doing at the time."""
 
+import json
 import signal
 import time
 
@@ -104,15 +105,26 @@ def test_a_share_in_the_foreground_ends_with_the_program(user):
     assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
 
 
-def test_a_background_share_in_the_making_may_end_by_itself(user):
-    user.tailscale(f'[ "$2" = status -o "$1" = status ] || {{ touch {user.folder}/begun; sleep 0.3; touch {user.folder}/made; }}')
+def quit_while_making(user, kind, source):
+    """Quits while a share is made in the background, and returns the arguments of the command that has made it."""
+    user.tailscale(f'[ "$2" = status -o "$1" = status ] || {{ touch {user.folder}/begun; sleep 0.3; echo "$*" >{user.folder}/made; }}')
     child = user.start()
     window = user.window(child)
-    window.fill("Port / App URL", "3000")
+    window.fill(kind, source)
     window.start()
     until("the command to run", (user.folder / "begun").exists)
     assert_quits(user, child, lambda: child.send_signal(signal.SIGTERM))
-    assert (user.folder / "made").exists()
+    return (user.folder / "made").read_text().split()
+
+
+def test_a_background_share_in_the_making_may_end_by_itself(user):
+    assert quit_while_making(user, "Port / App URL", "3000")[-1] == "3000"
+
+
+def test_a_folder_whose_background_share_is_in_the_making_is_recorded(user):
+    port = quit_while_making(user, "Directory", str(user.folder))[-1]
+    stored = json.loads((user.folder / "config" / "brevane" / "preferences.json").read_text())
+    assert stored["TailscaleManagedServers"] == {port: {"path": str(user.folder), "type": "directory"}}
 
 
 def test_a_main_thread_that_waits_for_ever_does_not_hold_it_up(user):
