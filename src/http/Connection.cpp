@@ -15,7 +15,7 @@ namespace {
 
 // A large file goes out in turns, so that it never holds up other connections for long.
 constexpr std::size_t turnSize = 256 * 1024;
-// What a loader does of a large file before others have their turn.
+// What a loader brings of a large file before others have their turn.
 constexpr std::size_t loadSize = 16 * 1024 * 1024;
 // Read between two looks at whether the client is still there.
 constexpr std::size_t bringSize = 1024 * 1024;
@@ -113,16 +113,23 @@ void Connection::beginLargeFile(std::string_view head, bool headOnly) {
 }
 
 void Connection::load() {
-    const std::size_t end = std::min(fileDone_ + loadSize, file_->size());
-    const bool isCached = file_->isCached(fileDone_, end - fileDone_);
-    while (fileDone_ < end) {
-        const std::size_t length =
-            isCached ? end - fileDone_ : std::min(bringSize, end - fileDone_);
+    while (fileDone_ < file_->size()) {
         if (socket_.client() == ClientSocket::Client::gone || threads_.isEnding()) return close();
-        if (!isCached && !file_->bring(fileDone_, length)) return refuseFile();
+        const std::size_t piece = std::min(loadSize, file_->size() - fileDone_);
+        if (!file_->isCached(fileDone_, piece)) return bringPiece(piece);
+        fileDone_ += piece;
+    }
+    onSender(&Connection::sendHead);
+}
+
+void Connection::bringPiece(std::size_t piece) {
+    const std::size_t end = fileDone_ + piece;
+    while (fileDone_ < end) {
+        const std::size_t length = std::min(bringSize, end - fileDone_);
+        if (socket_.client() == ClientSocket::Client::gone || threads_.isEnding()) return close();
+        if (!file_->bring(fileDone_, length)) return refuseFile();
         fileDone_ += length;
     }
-    if (fileDone_ == file_->size()) return onSender(&Connection::sendHead);
     const bool mayBeGone = socket_.client() == ClientSocket::Client::ended;
     onLoader(mayBeGone ? Loaders::Order::last : Loaders::Order::load, &Connection::load);
 }

@@ -42,6 +42,7 @@ private:
     void begin(Response& response);
     void beginLargeFile(std::string_view head, bool headOnly);
     void load();
+    void bringPiece(std::size_t piece);
     void refuseFile();
     void sendHead();
     void send();
