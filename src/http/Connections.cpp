@@ -35,27 +35,27 @@ bool Connections::keep(const std::shared_ptr<Connection>& connection, std::size_
     Place& place = connection->place();
     List closed;
     const MutexLock lock(mutex_);
-    if (ended_ || place.state == Place::State::closed) return false;
-    if (place.state == Place::State::unknown) {
-        place.kept = kept_.insert(kept_.end(), {connection, 0});
-        place.state = Place::State::kept;
+    if (ended_ || place.state_ == Place::State::closed) return false;
+    if (place.state_ == Place::State::unknown) {
+        place.kept_ = kept_.insert(kept_.end(), {connection, 0});
+        place.state_ = Place::State::kept;
     } else {
-        kept_.splice(kept_.end(), kept_, place.kept);
+        kept_.splice(kept_.end(), kept_, place.kept_);
     }
-    headBytes_ += headBytes - place.kept->headBytes;
-    place.kept->headBytes = headBytes;
+    headBytes_ += headBytes - place.kept_->headBytes;
+    place.kept_->headBytes = headBytes;
     while (headBytes_ > headBytesLimit)
         closed.splice(closed.end(),
                       take(std::ranges::max_element(kept_, {}, &Place::Kept::headBytes)));
-    return place.state == Place::State::kept;
+    return place.state_ == Place::State::kept;
 }
 
 void Connections::close(Connection& connection) {
     List closed;
     const MutexLock lock(mutex_);
     Place& place = connection.place();
-    if (place.state == Place::State::kept) closed = take(place.kept);
-    place.state = Place::State::closed;
+    if (place.state_ == Place::State::kept) closed = take(place.kept_);
+    place.state_ = Place::State::closed;
 }
 
 void Connections::closeAll() {
@@ -68,7 +68,7 @@ void Connections::closeAll() {
 
 Connections::List Connections::take(List::iterator kept) {
     headBytes_ -= kept->headBytes;
-    kept->connection->place().state = Place::State::closed;
+    kept->connection->place().state_ = Place::State::closed;
     List taken;
     taken.splice(taken.end(), kept_, kept);
     return taken;

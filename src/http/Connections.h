@@ -25,8 +25,8 @@ public:
             std::size_t headBytes = 0;
         };
         enum class State { unknown, kept, closed };
-        State state = State::unknown;
-        std::list<Kept>::iterator kept;
+        State state_ = State::unknown;
+        std::list<Kept>::iterator kept_;
     };
 
     Connections() = default;

@@ -14,12 +14,12 @@ namespace brevane {
 /// gives a page without entries. All names stand as they are.
 class FolderListing {
 public:
-    /// Reads the folder. `urlPath` is its path as asked for; it must outlive the page.
-    FolderListing(const std::string& folder, std::string_view urlPath);
+    /// Reads the folder at `path`. `urlPath` is its path as asked for; it must outlive the page.
+    FolderListing(const std::string& path, std::string_view urlPath);
 
     [[nodiscard]] std::size_t size() const;
-    /// Writes the page, `size` bytes.
-    void write(char* begin) const;
+    /// Writes the page, `size` bytes, from `next` on.
+    void write(char* next) const;
 
 private:
     // Many names, which all lie in one piece of memory.

@@ -14,17 +14,17 @@ namespace {
 class PageAligned {
 public:
     explicit PageAligned(std::size_t size)
-        : bytes(static_cast<char*>(std::aligned_alloc(4096, size))), count(size) {
-        if (!bytes) throw std::bad_alloc();
+        : bytes_(static_cast<char*>(std::aligned_alloc(4096, size))), count_(size) {
+        if (!bytes_) throw std::bad_alloc();
     }
-    [[nodiscard]] std::span<char> span() const { return {bytes.get(), count}; }
+    [[nodiscard]] std::span<char> span() const { return {bytes_.get(), count_}; }
 
 private:
     struct Free {
         void operator()(char* memory) const { std::free(memory); }
     };
-    std::unique_ptr<char, Free> bytes;
-    std::size_t count;
+    std::unique_ptr<char, Free> bytes_;
+    std::size_t count_;
 };
 
 } // namespace

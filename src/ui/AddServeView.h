@@ -68,7 +68,7 @@ private:
     [[nodiscard]] QWidget* makeErrorRow();
     void layOut();
     void setSourceType(SourceType type);
-    void setSource(const QString& source);
+    void setSource(const QString& text);
     void finishStart(ServeMode mode, bool success, const std::string& output);
     void setDropHighlight(bool on);
 

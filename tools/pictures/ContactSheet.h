@@ -19,7 +19,7 @@ private:
         QString name;
         QImage picture;
     };
-    std::vector<Frame> frames;
+    std::vector<Frame> frames_;
 };
 
 } // namespace brevane::pictures

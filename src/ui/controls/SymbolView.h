@@ -14,7 +14,7 @@ public:
     explicit SymbolView(const QString& symbol, ColorRole color, int fontSize = 13,
                         QWidget* parent = nullptr);
 
-    void setSymbol(const QString& name);
+    void setSymbol(const QString& symbol);
     [[nodiscard]] const QString& symbol() const { return name_; }
     void setColor(ColorRole role);
 
