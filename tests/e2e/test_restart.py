@@ -133,6 +133,7 @@ def accounts(tailnet):
     tailnet.switch(other)
     tailnet.tailscale("logout")
     tailnet.switch(own)
+    tailnet.await_reached()
 
 
 def test_switching_to_another_account_and_back_forgets_no_share(shared, application, tailnet, accounts):
@@ -144,6 +145,7 @@ def test_switching_to_another_account_and_back_forgets_no_share(shared, applicat
     assert application.managed() == record
     assert not any(backends.listens(int(port)) for port in record)
     tailnet.switch(own)
+    tailnet.await_reached()
     window.refresh()
     window.await_row("/folder", str(shared))
     window.await_row("/file", str(shared / "a.txt"))

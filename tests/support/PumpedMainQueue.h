@@ -2,6 +2,7 @@
 #pragma once
 
 #include "MainQueue.h"
+#include "Mutex.h"
 
 #include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
@@ -20,32 +21,41 @@ namespace brevane::test {
 class PumpedMainQueue final : public MainQueue {
 public:
     void post(std::function<void()> task) override {
-        boost::asio::post(loop->context, std::move(task));
+        const MutexLock lock(mutex_);
+        boost::asio::post(loop_->context, std::move(task));
     }
 
     /// Keeps the task: time passes here only by `runDelayed`.
     void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override {
-        delayed.emplace_back(delay, std::move(task));
+        delayed_.emplace_back(delay, std::move(task));
     }
 
     /// Runs the oldest task that was posted with this delay. False if there is none.
     bool runDelayed(std::chrono::milliseconds delay) {
-        const auto found = std::ranges::find(delayed, delay, &Delayed::first);
-        if (found == delayed.end()) return false;
+        const auto found = std::ranges::find(delayed_, delay, &Delayed::first);
+        if (found == delayed_.end()) return false;
         const auto task = std::move(found->second);
-        delayed.erase(found);
+        delayed_.erase(found);
         task();
         return true;
     }
 
     /// Waits for the next task and runs it. False if none comes, which only a hanging test sees.
-    bool runOne() { return loop->context.run_one_for(std::chrono::seconds(60)) == 1; }
+    bool runOne() { return current().context.run_one_for(std::chrono::seconds(60)) == 1; }
 
     /// Runs the tasks that are waiting now.
-    void runPending() { loop->context.poll(); }
+    void runPending() { current().context.poll(); }
 
     /// Drops the tasks that are waiting, as happens once the event loop has ended.
-    void dropPending() { loop = std::make_unique<Loop>(); }
+    void dropPending() {
+        auto dropped = std::make_unique<Loop>();
+        {
+            const MutexLock lock(mutex_);
+            std::swap(loop_, dropped);
+        }
+        // Outside the lock: what goes with the tasks may wait for threads that post.
+        dropped.reset();
+    }
 
     /// Runs tasks until the condition holds. False if it never does.
     bool runUntil(const std::function<bool()>& condition) {
@@ -61,8 +71,14 @@ private:
         boost::asio::executor_work_guard<boost::asio::io_context::executor_type> work{
             context.get_executor()};
     };
-    std::unique_ptr<Loop> loop = std::make_unique<Loop>();
-    std::vector<Delayed> delayed;
+    Loop& current() {
+        const MutexLock lock(mutex_);
+        return *loop_;
+    }
+
+    Mutex mutex_;
+    std::unique_ptr<Loop> loop_ GUARDED_BY(mutex_) = std::make_unique<Loop>();
+    std::vector<Delayed> delayed_;
 };
 
 } // namespace brevane::test

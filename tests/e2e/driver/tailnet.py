@@ -95,8 +95,7 @@ class Tailnet:
             yield
         finally:
             self.tailscale("up", f"--login-server={self.record['control']}", f"--hostname={HOST}", "--accept-dns=false")
-            # Older versions take a while to agree on new keys.
-            until("the second node to reach the first again", self.reaches_again)
+            self.await_reached()
 
     def account(self):
         """The account that the host is logged in under, as "tailscale switch" names it."""
@@ -121,6 +120,10 @@ class Tailnet:
             return status["BackendState"] == "Running" and status["Self"]["DNSName"]
 
         return until("the host to be in its tailnet", runs).rstrip(".")
+
+    def await_reached(self):
+        """Until the second node reaches the first again. Older versions take a while to agree on new keys."""
+        until("the second node to reach the first again", self.reaches_again)
 
     def reaches_again(self):
         ping = [self.record["nodes"][PEER]["cli"], "ping", "--tsmp", "-c", "1", "--timeout", "2s", HOST]
