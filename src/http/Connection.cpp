@@ -7,6 +7,7 @@
 #include <boost/asio/post.hpp>
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 namespace brevane {
@@ -22,6 +23,12 @@ constexpr std::size_t bringSize = 1024 * 1024;
 
 constexpr std::size_t drainLimit = 128 * 1024 * 1024;
 constexpr auto drainTime = std::chrono::seconds(10);
+
+// Powers of two, as the limit of all heads is one: a head that comes near it has been copied for
+// the last time at half of it, and never lies in memory twice.
+void reserveFor(std::string& head, std::size_t size) {
+    head.reserve(std::bit_ceil(size));
+}
 
 } // namespace
 
@@ -43,11 +50,15 @@ void Connection::take(std::string_view bytes) {
     if (searched > 0) {
         const std::size_t headBytes = searched + bytes.size();
         if (!threads_.connections().keep(shared_from_this(), headBytes)) return close();
+        reserveFor(bytes_, headBytes);
         bytes = bytes_.append(bytes);
     }
     auto request = parseRequestHead(bytes, searched);
     if (!request) {
-        if (searched == 0) bytes_ = bytes;
+        if (searched == 0) {
+            reserveFor(bytes_, bytes.size());
+            bytes_ = bytes;
+        }
         return onceReadable(threads_.handlers(), &Connection::receive);
     }
     moreFollows_ = !*request || (*request)->moreFollows;

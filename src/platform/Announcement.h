@@ -24,7 +24,8 @@ public:
 private:
     friend class Announcement;
     using Observer = std::function<void()>;
-    explicit Subscription(std::shared_ptr<const Observer> observer) : observer_(std::move(observer)) {}
+    explicit Subscription(std::shared_ptr<const Observer> observer)
+        : observer_(std::move(observer)) {}
     std::shared_ptr<const Observer> observer_;
 };
 

@@ -52,8 +52,8 @@ QLineEdit* makeField() {
 
 } // namespace
 
-AddServeView::AddServeView(TailscaleService& service,
-                           std::function<void(const QString&)> onAdded, QWidget* parent)
+AddServeView::AddServeView(TailscaleService& service, std::function<void(const QString&)> onAdded,
+                           QWidget* parent)
     : Surface(&Colors::window, 1, 0, parent), service_(service), onAdded_(std::move(onAdded)) {
     setAcceptDrops(true);
     setFont(theme().font(TextStyle::body));

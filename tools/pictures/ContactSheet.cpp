@@ -17,7 +17,7 @@ void ContactSheet::add(const QString& name, const QImage& picture) {
     QImage plain = picture;
     plain.setDevicePixelRatio(1);
     frames_.push_back({name, plain.scaled(cell.width() - 20, cell.height() - captionHeight - 10,
-                                         Qt::KeepAspectRatio, Qt::SmoothTransformation)});
+                                          Qt::KeepAspectRatio, Qt::SmoothTransformation)});
 }
 
 QImage ContactSheet::image() const {
