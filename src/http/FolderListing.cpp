@@ -6,9 +6,11 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstring>
 #include <memory>
+#include <numeric>
 
 namespace brevane {
 
@@ -62,6 +64,9 @@ bool isHidden([[maybe_unused]] DIR* folder, const dirent& entry) {
     return entry.d_name[0] == '.';
 }
 
+// From so many on, one byte of the key after the other sorts faster than comparing does.
+constexpr std::size_t manyNames = 256;
+
 // The first 8 bytes as a number; numbers compare as the bytes do.
 std::uint64_t keyOf(std::string_view name) {
     std::uint64_t key = 0;
@@ -88,9 +93,36 @@ void FolderListing::Names::sort() {
     for (Record& record : records_)
         record.key = keyOf(nameOf(record).substr(shared.size()));
 
-    std::ranges::sort(records_, [this](const Record& one, const Record& other) {
+    const auto isBefore = [this](const Record& one, const Record& other) {
         return one.key != other.key ? one.key < other.key : nameOf(one) < nameOf(other);
-    });
+    };
+    if (records_.size() < manyNames) {
+        std::ranges::sort(records_, isBefore);
+        return;
+    }
+    sortByKey();
+    for (auto begin = records_.begin(); begin != records_.end();) {
+        const auto end =
+            std::find_if(begin, records_.end(),
+                         [key = begin->key](const Record& record) { return record.key != key; });
+        std::sort(begin, end, isBefore);
+        begin = end;
+    }
+}
+
+void FolderListing::Names::sortByKey() {
+    std::vector<Record> sorted(records_.size());
+    for (unsigned shift = 0; shift < 64; shift += 8) {
+        const auto byteOf = [shift](const Record& record) { return record.key >> shift & 0xFF; };
+        std::array<std::size_t, 256> places{};
+        for (const Record& record : records_)
+            ++places[byteOf(record)];
+        if (places[byteOf(records_.front())] == records_.size()) continue;
+        std::exclusive_scan(places.begin(), places.end(), places.begin(), std::size_t{0});
+        for (const Record& record : records_)
+            sorted[places[byteOf(record)]++] = record;
+        records_.swap(sorted);
+    }
 }
 
 FolderListing::FolderListing(const std::string& path, std::string_view urlPath)

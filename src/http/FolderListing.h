@@ -42,6 +42,8 @@ private:
             std::size_t offset;
             std::size_t length;
         };
+        // Leaves names with one key as they stood.
+        void sortByKey();
         [[nodiscard]] std::string_view nameOf(const Record& record) const {
             return {bytes_.data() + record.offset, record.length};
         }
