@@ -102,11 +102,11 @@ void FolderListing::Names::sort() {
     }
     sortByKey();
     for (auto begin = records_.begin(); begin != records_.end();) {
-        const auto end =
+        const auto other =
             std::find_if(begin, records_.end(),
                          [key = begin->key](const Record& record) { return record.key != key; });
-        std::sort(begin, end, isBefore);
-        begin = end;
+        std::sort(begin, other, isBefore);
+        begin = other;
     }
 }
 
