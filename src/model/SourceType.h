@@ -22,6 +22,11 @@ inline constexpr std::array allSourceTypes{SourceType::port,      SourceType::fi
                                            SourceType::directory, SourceType::httpsInsecure,
                                            SourceType::text,      SourceType::tcpForward};
 
+/// Whether shares of this type go through Brevane's own HTTP server.
+[[nodiscard]] constexpr bool isServedByUs(SourceType type) {
+    return type == SourceType::file || type == SourceType::directory;
+}
+
 template <>
 struct RawValues<SourceType> {
     static constexpr std::array<std::pair<SourceType, std::string_view>, 6> cases{{

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CommandBuilding.h"
 
-#include "ShellQuote.h"
 #include "Text.h"
 
 namespace brevane {
@@ -20,6 +19,23 @@ std::string commandHead(std::string_view tailscaleBin, ServeMode mode, std::stri
 }
 
 } // namespace
+
+std::string shellQuote(std::string_view text) {
+    const bool needsQuotes = text.find_first_of(" ()&'") != std::string_view::npos;
+    return needsQuotes ? inSingleQuotes(text) : std::string(text);
+}
+
+std::string inSingleQuotes(std::string_view text) {
+    std::string quoted = "'";
+    for (const char character : text) {
+        if (character == '\'')
+            quoted += R"('\'')"; // close the quoted run, an escaped quote, reopen
+        else
+            quoted += character;
+    }
+    quoted += '\'';
+    return quoted;
+}
 
 std::string buildAddCommand(std::string_view tailscaleBin, ServeMode mode, SourceType sourceType,
                             std::string_view source, std::string_view urlPath, bool background) {

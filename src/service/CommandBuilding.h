@@ -10,6 +10,13 @@
 
 namespace brevane {
 
+/// The text as one word for the shell: in single quotes if it holds a space, "(", ")", "&" or a
+/// single quote, else unchanged. Other characters that the shell interprets do not make it quote.
+[[nodiscard]] std::string shellQuote(std::string_view text);
+
+/// The text as one word for the shell, in single quotes, whatever it holds.
+[[nodiscard]] std::string inSingleQuotes(std::string_view text);
+
 /// The command line that creates a share whose target the user gave. White space around `source`
 /// is dropped; nothing is validated, and only the payload of a text is quoted for the shell.
 [[nodiscard]] std::string buildAddCommand(std::string_view tailscaleBin, ServeMode mode,

@@ -149,14 +149,12 @@ void AddServeView::finishStart(ServeMode mode, bool success, const std::string& 
 void AddServeView::redraw() {
     const SourceTexts texts = sourceTexts(draft_.sourceType);
     const bool isFunnel = draft_.mode == ServeMode::funnel;
-    const bool hasPath =
-        draft_.sourceType == SourceType::file || draft_.sourceType == SourceType::directory;
 
     modeDescription_->setPlainText(toQString(brevane::modeDescription(draft_.mode)));
     sourceSection_->setTitle(toQString(texts.fieldLabel));
     source_->setAccessibleName(toQString(texts.fieldLabel));
     source_->setPlaceholderText(toQString(texts.placeholder));
-    browse_->setVisible(hasPath);
+    browse_->setVisible(isServedByUs(draft_.sourceType));
     sourceHint_->setPlainText(toQString(texts.hint));
     source_->setAccessibleDescription(sourceHint_->text());
     pathSection_->setVisible(draft_.sourceType != SourceType::tcpForward);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "CommandBuilding.h"
 
-#include "ShellQuote.h"
 #include "Text.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ChildProcess.h"
 #include "CommandBuilding.h"
-#include "ShellQuote.h"
 #include "TemporaryFolder.h"
 #include "Text.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "ShellQuote.h"
+#include "CommandBuilding.h"
 
 #include <gtest/gtest.h>
 

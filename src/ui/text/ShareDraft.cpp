@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ShareDraft.h"
 
+#include "CommandBuilding.h"
 #include "Path.h"
-#include "ShellQuote.h"
 #include "Text.h"
 
 #include <algorithm>
@@ -10,10 +10,6 @@
 namespace brevane {
 
 namespace {
-
-bool isServedByUs(SourceType type) {
-    return type == SourceType::file || type == SourceType::directory;
-}
 
 std::string target(const ShareDraft& draft) {
     switch (draft.sourceType) {
