@@ -27,6 +27,12 @@ std::chrono::milliseconds patienceWith(bool background) {
     return background ? CommandRunner::backgroundPatience : std::chrono::milliseconds(0);
 }
 
+std::string failureMessage(const CommandRunner::Result& result) {
+    const std::string_view message = trimmedOfWhitespaceAndNewlines(result.output);
+    return message.empty() ? "Command failed (exit " + std::to_string(result.status) + ")"
+                           : std::string(message);
+}
+
 } // namespace
 
 std::shared_ptr<TailscaleService> TailscaleService::create(Configuration configuration,
@@ -156,7 +162,7 @@ void TailscaleService::add(ServeMode mode, SourceType sourceType, const std::str
                            const std::string& urlPath, bool background, Completion completion) {
     mainQueue_.post([self = shared_from_this()] { self->isLoading.set(true); });
     onQueue([=, node = dnsName.get()](const std::shared_ptr<TailscaleService>& self) {
-        const CommandRunner::Result result =
+        CommandRunner::Result result =
             isServedByUs(sourceType)
                 ? self->addThroughServer(mode, servedSource(sourceType, source, urlPath, node),
                                          background)
@@ -164,7 +170,12 @@ void TailscaleService::add(ServeMode mode, SourceType sourceType, const std::str
                                                                  sourceType, source, urlPath,
                                                                  background),
                                                  patienceWith(background));
-        self->mainQueue_.post([self, result, completion] { self->finishAdd(result, completion); });
+        // Made here, since an output can be long.
+        std::string error = result.status == 0 ? "" : failureMessage(result);
+        self->mainQueue_.post(
+            [self, result = std::move(result), error = std::move(error), completion]() mutable {
+                self->finishAdd(std::move(result), std::move(error), completion);
+            });
     });
 }
 
@@ -227,21 +238,18 @@ TailscaleService::startRecordedServer(const ManagedServerRecord::Entry& entry) {
     }
 }
 
-void TailscaleService::finishAdd(const CommandRunner::Result& result,
+void TailscaleService::finishAdd(CommandRunner::Result result, std::string error,
                                  const Completion& completion) {
     const bool success = result.status == 0;
-    lastOutput.set(result.output);
+    lastOutput.set(std::move(result.output));
     isLoading.set(false);
     if (success) {
         lastError.set(std::nullopt);
         refresh();
     } else {
-        const std::string message(trimmedOfWhitespaceAndNewlines(result.output));
-        lastError.set(message.empty()
-                          ? "Command failed (exit " + std::to_string(result.status) + ")"
-                          : message);
+        lastError.set(std::move(error));
     }
-    completion(success, result.output);
+    completion(success, *lastOutput.get());
 }
 
 void TailscaleService::stopEntry(const ServeEntry& entry, Completion completion) {

@@ -113,7 +113,7 @@ private:
                                            bool background);
     [[nodiscard]] std::expected<std::shared_ptr<FileHTTPServer>, std::string>
     startRecordedServer(const ManagedServerRecord::Entry& entry);
-    void finishAdd(const CommandRunner::Result& result, const Completion& completion);
+    void finishAdd(CommandRunner::Result result, std::string error, const Completion& completion);
     void reset(const std::string& subcommand, Completion completion);
 
     std::string tailscaleBin_;

@@ -136,7 +136,7 @@ void AddServeView::finishStart(ServeMode mode, bool success, const std::string& 
         onAdded_(toQString(startedMessage(mode)));
         source_->clear();
     } else {
-        errorMsg_ = toQString(startFailedMessage(output));
+        errorMsg_ = shownText(startFailedMessage(output));
     }
     redraw();
     if (errorMsg_.isEmpty()) return;
@@ -163,7 +163,7 @@ void AddServeView::redraw() {
 
     previewSection_->setVisible(!draft_.source.empty());
     if (!draft_.source.empty())
-        preview_->setShownText(toQString(commandPreview(draft_, service_.dnsName.get())));
+        preview_->setShownText(shownText(commandPreview(draft_, service_.dnsName.get())));
     errorRow_->setVisible(!errorMsg_.isEmpty());
     errorRow_->setAccessibleName(errorMsg_);
     errorText_->setShownText(errorMsg_);

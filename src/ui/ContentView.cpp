@@ -66,6 +66,7 @@ ContentView::ContentView(TailscaleService& service, MainQueue& mainQueue, QWidge
     const auto redrawEntries = [this] { entriesChanged_ = true; };
     entriesObservation_ = service_.entries.willChange.subscribe(redrawEntries);
     managedServersObservation_ = service_.managedServerInfo.willChange.subscribe(redrawEntries);
+    errorObservation_ = service_.lastError.willChange.subscribe([this] { errorChanged_ = true; });
     observation_ = service_.objectWillChange.subscribe([this] { scheduleRedraw(); });
     form_->focusSource();
 }
@@ -184,7 +185,10 @@ void ContentView::redraw() {
         toQString(statusLine(service_.isConnected.get(), service_.dnsName.get(),
                              service_.tailscaleIP.get())));
     statusHeader_->setLoading(service_.isLoading.get());
-    errorBanner_->setError(toQString(service_.lastError.get().value_or("")));
+    if (std::exchange(errorChanged_, false)) {
+        const auto& error = service_.lastError.get();
+        errorBanner_->setError(error ? shownText(*error) : QString());
+    }
     if (std::exchange(entriesChanged_, false)) {
         list_->setShares(service_.entries.get(), service_.managedServerInfo.get());
         list_->setVisible(!service_.entries->empty());
@@ -215,7 +219,7 @@ void ContentView::stop(const ServeEntry& entry, std::function<void()> finished) 
 void ContentView::failToStop(const std::string& output) {
     // The refresh that every stop begins has queued a task that clears the error. Queued behind it,
     // this one is not wiped before anyone has seen it.
-    mainQueue_.post([view = QPointer(this), message = stopFailedMessage(output)] {
+    mainQueue_.post([view = QPointer(this), message = std::string(stopFailedMessage(output))] {
         if (view) view->service_.lastError.set(message);
     });
 }

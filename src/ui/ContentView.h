@@ -70,6 +70,7 @@ private:
     int rightWanted_; ///< how wide the form is where there is enough
     bool redrawScheduled_ = false;
     bool entriesChanged_ = true;
+    bool errorChanged_ = true;
 
     StatusHeader* statusHeader_;
     ErrorBanner* errorBanner_;
@@ -82,6 +83,7 @@ private:
     Subscription observation_;
     Subscription entriesObservation_;
     Subscription managedServersObservation_;
+    Subscription errorObservation_;
 };
 
 } // namespace brevane

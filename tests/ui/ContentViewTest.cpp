@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "WindowTest.h"
 
+#include "QtText.h"
+
 #include <QClipboard>
 #include <QLayout>
+#include <QLocale>
 #include <QMenu>
 #include <QSplitter>
 #include <QTextEdit>
@@ -107,6 +110,26 @@ TEST_F(ContentViewTest, TheBannerShowsTheErrorUntilItIsCleared) {
     press("Clear");
     EXPECT_EQ(service->lastError.get(), std::nullopt);
     EXPECT_EQ(button("Clear"), nullptr);
+}
+
+TEST_F(ContentViewTest, OfAnEndlessErrorTheBannerShowsAndSaysTheBeginning) {
+    service->lastError.set(std::string(1'000'000, 'x'));
+    settle();
+    auto* text = find<QTextEdit>("Error");
+    ASSERT_NE(text, nullptr);
+    EXPECT_TRUE(
+        text->toPlainText().endsWith("x… and " + QLocale().toString(950'000) + " more characters"));
+    for (const QWidget* widget : view->findChildren<QWidget*>())
+        EXPECT_LT(widget->accessibleName().size(), 51'000);
+}
+
+TEST(ShownText, EndsBetweenTwoCharacters) {
+    std::string text = "x";
+    for (int index = 0; index < 30'000; ++index)
+        text += "\U0001F600";
+    const QString shown = shownText(text);
+    EXPECT_EQ(shown.left(49'999), toQString(text).left(49'999));
+    EXPECT_EQ(shown.mid(49'999), "… and " + QLocale().toString(5'001) + " more characters");
 }
 
 TEST_F(ContentViewTest, ALongErrorWithoutBlanksWrapsAndCanBeSelected) {

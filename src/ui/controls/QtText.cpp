@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "QtText.h"
 
+#include <QCoreApplication>
+#include <QLocale>
 #include <QTextDocument>
+
+#include <algorithm>
 
 namespace brevane {
 
@@ -14,6 +18,19 @@ QString onOneLine(QString text) {
             character == QChar::LineSeparator || character == QChar::ParagraphSeparator)
             character = u' ';
     return text;
+}
+
+QString shownText(std::string_view text) {
+    // Converting, laying out or speaking more would keep the window from answering.
+    constexpr qsizetype limit = 50'000;
+    constexpr std::size_t longestCharacter = 4;
+    QString shown = toQString(text.substr(0, limit * longestCharacter));
+    if (shown.size() <= limit) return shown;
+    shown.truncate(shown[limit - 1].isHighSurrogate() ? limit - 1 : limit);
+    const auto characters = std::ranges::count_if(
+        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
+    return shown + QCoreApplication::translate("QtText", "… and %1 more characters")
+                       .arg(QLocale().toString(characters - shown.toUcs4().size()));
 }
 
 QString plainToolTip(const QString& text) {

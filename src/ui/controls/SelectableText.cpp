@@ -20,16 +20,6 @@ namespace {
 /// More characters than the lines shown at once can hold.
 constexpr int longText = 5000;
 
-/// Laying out more would keep the window from answering.
-constexpr int clippedText = 50'000;
-
-QString clipped(const QString& text) {
-    const auto rest = text.size() - clippedText;
-    if (rest <= 0) return text;
-    return text.first(clippedText) +
-           SelectableText::tr("… and %1 more characters").arg(QLocale().toString(rest));
-}
-
 QTextOption::WrapMode wrapMode(const QString& text) {
     // Looking for the end of a word at each of its lines takes quadratic time.
     return text.size() > longText ? QTextOption::WrapAnywhere
@@ -114,14 +104,13 @@ void SelectableText::applyTheme() {
 void SelectableText::setShownText(const QString& text) {
     if (viewer_ == nullptr && text.isEmpty()) return;
     if (viewer_ == nullptr) makeViewer();
-    const QString shown = clipped(text);
-    if (shown == viewer_->toPlainText()) return;
-    if (viewer_->wordWrapMode() != wrapMode(shown)) {
+    if (text == viewer_->toPlainText()) return;
+    if (viewer_->wordWrapMode() != wrapMode(text)) {
         // Setting the mode lays out the old text again.
         viewer_->clear();
-        viewer_->setWordWrapMode(wrapMode(shown));
+        viewer_->setWordWrapMode(wrapMode(text));
     }
-    viewer_->setPlainText(shown);
+    viewer_->setPlainText(text);
     updateGeometry();
 }
 

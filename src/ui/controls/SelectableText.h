@@ -17,8 +17,7 @@ public:
     SelectableText(const QString& name, TextStyle style, ColorRole color, int maximumLines,
                    QWidget* parent = nullptr);
 
-    /// Replaces the text; equal text changes nothing, so that a selection stays. Of a text of more
-    /// than 50,000 characters the rest is counted instead of shown.
+    /// Replaces the text; equal text changes nothing, so that a selection stays.
     void setShownText(const QString& text);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }

@@ -64,15 +64,15 @@ std::string startedMessage(ServeMode mode) {
     return std::string(rawValue(mode)) + " started successfully";
 }
 
-std::string startFailedMessage(std::string_view output) {
+std::string_view startFailedMessage(std::string_view output) {
     return output.empty()
                ? "Failed. Make sure Tailscale is running and you have Funnel permission in your "
                  "tailnet policy."
-               : std::string(output);
+               : output;
 }
 
-std::string stopFailedMessage(std::string_view output) {
-    return output.empty() ? "Failed to stop share" : std::string(output);
+std::string_view stopFailedMessage(std::string_view output) {
+    return output.empty() ? "Failed to stop share" : output;
 }
 
 } // namespace brevane

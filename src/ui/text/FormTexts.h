@@ -35,10 +35,11 @@ struct SourceTexts {
 [[nodiscard]] std::string startedMessage(ServeMode mode);
 
 /// What is said when a share could not be made: the command's output, or where it printed nothing a
-/// text that says what to look at.
-[[nodiscard]] std::string startFailedMessage(std::string_view output);
+/// text that says what to look at. Lives no longer than `output`.
+[[nodiscard]] std::string_view startFailedMessage(std::string_view output);
 
 /// The banner's text when a share could not be stopped: the command's output, if there is any.
-[[nodiscard]] std::string stopFailedMessage(std::string_view output);
+/// Lives no longer than that.
+[[nodiscard]] std::string_view stopFailedMessage(std::string_view output);
 
 } // namespace brevane
