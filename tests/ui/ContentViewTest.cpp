@@ -5,7 +5,6 @@
 
 #include <QClipboard>
 #include <QLayout>
-#include <QLocale>
 #include <QMenu>
 #include <QSplitter>
 #include <QTextEdit>
@@ -117,10 +116,9 @@ TEST_F(ContentViewTest, OfAnEndlessErrorTheBannerShowsAndSaysTheBeginning) {
     settle();
     auto* text = find<QTextEdit>("Error");
     ASSERT_NE(text, nullptr);
-    EXPECT_TRUE(
-        text->toPlainText().endsWith("x… and " + QLocale().toString(950'000) + " more characters"));
+    EXPECT_TRUE(text->toPlainText().endsWith("x… and 990.0 kB more"));
     for (const QWidget* widget : view->findChildren<QWidget*>())
-        EXPECT_LT(widget->accessibleName().size(), 51'000);
+        EXPECT_LT(widget->accessibleName().size(), 11'000);
 }
 
 TEST(ShownText, EndsBetweenTwoCharacters) {
@@ -128,8 +126,8 @@ TEST(ShownText, EndsBetweenTwoCharacters) {
     for (int index = 0; index < 30'000; ++index)
         text += "\U0001F600";
     const QString shown = shownText(text);
-    EXPECT_EQ(shown.left(49'999), toQString(text).left(49'999));
-    EXPECT_EQ(shown.mid(49'999), "… and " + QLocale().toString(5'001) + " more characters");
+    EXPECT_EQ(shown.left(9'999), toQString(text).left(9'999));
+    EXPECT_EQ(shown.mid(9'999), "… and 100.0 kB more");
 }
 
 TEST_F(ContentViewTest, ALongErrorWithoutBlanksWrapsAndCanBeSelected) {

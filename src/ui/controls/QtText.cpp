@@ -5,8 +5,6 @@
 #include <QLocale>
 #include <QTextDocument>
 
-#include <algorithm>
-
 namespace brevane {
 
 QString onOneLine(QString text) {
@@ -22,15 +20,15 @@ QString onOneLine(QString text) {
 
 QString shownText(std::string_view text) {
     // Converting, laying out or speaking more would keep the window from answering.
-    constexpr qsizetype limit = 50'000;
+    constexpr qsizetype limit = 10'000;
     constexpr std::size_t longestCharacter = 4;
     QString shown = toQString(text.substr(0, limit * longestCharacter));
     if (shown.size() <= limit) return shown;
     shown.truncate(shown[limit - 1].isHighSurrogate() ? limit - 1 : limit);
-    const auto characters = std::ranges::count_if(
-        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; });
-    return shown + QCoreApplication::translate("QtText", "… and %1 more characters")
-                       .arg(QLocale().toString(characters - shown.toUcs4().size()));
+    // Counting the characters would take as long as the text is.
+    const auto rest = static_cast<qint64>(text.size()) - shown.toUtf8().size();
+    return shown + QCoreApplication::translate("QtText", "… and %1 more")
+                       .arg(QLocale().formattedDataSize(rest, 1, QLocale::DataSizeSIFormat));
 }
 
 QString plainToolTip(const QString& text) {

@@ -16,8 +16,8 @@ namespace brevane {
 /// that is longer than any window is wide, beginning and end.
 [[nodiscard]] QString onOneLine(QString text);
 
-/// What a window shows of a text in UTF-8: all of it, or of one of more than 50,000 characters
-/// these and how many follow.
+/// What a window shows of a text in UTF-8: all of it, or of one of more than 10,000 characters
+/// these and the size of what follows.
 [[nodiscard]] QString shownText(std::string_view text);
 
 /// A tooltip that shows the text as it is: Qt would take one that looks like HTML for HTML.
