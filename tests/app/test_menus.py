@@ -14,8 +14,15 @@ def child(user):
     return child
 
 
+def choose(user, menu, item):
+    """Chooses an item by letters, at a person's pace. With assistive technology Qt sends each key round by the bus before it
+    is pressed, but opens a menu at once: an Alt that arrives after its letter closes the menu again."""
+    pace = ("sleep", "0.3")
+    user.xdotool("keydown", "alt", *pace, "key", menu, *pace, "keyup", "alt", *pace, "key", item, *pace)
+
+
 def open_about(user):
-    user.key("alt+b", "a")
+    choose(user, "b", "a")
     until("the panel in front", lambda: user.active_title() == "About Brevane")
 
 
@@ -62,7 +69,7 @@ def test_the_about_panel_tells_assistive_technology_all_of_it(user, child):
 
 
 def test_minimize_takes_the_window_off_the_screen(user, child):
-    user.key("alt+w", "m")
+    choose(user, "w", "m")
     until("the window to go", lambda: not user.windows("Brevane", child.pid))
 
 
@@ -71,12 +78,13 @@ def test_edit_items_act_on_the_text_field_that_has_the_keyboard(user, child):
     field.accessible.get_component_iface().grab_focus()
     user.xdotool("type", "3000")
     until("the text", lambda: field.text == "3000")
-    user.key("alt+e", "a")
-    user.key("alt+e", "t")
+    choose(user, "e", "a")
+    choose(user, "e", "t")
     until("the text to be cut", lambda: field.text == "")
-    user.key("alt+e", "p", "alt+e", "p")
+    choose(user, "e", "p")
+    choose(user, "e", "p")
     until("the text to be pasted twice", lambda: field.text == "30003000")
-    user.key("alt+e", "u")
+    choose(user, "e", "u")
     until("one paste to be undone", lambda: field.text == "3000")
 
 
@@ -127,5 +135,6 @@ def test_copy_takes_what_is_selected_in_the_preview(user, child):
     window.field("Port or URL").write("3000")
     preview = window.frame.await_one("Preview", TEXT)
     preview.accessible.get_component_iface().grab_focus()
-    user.key("alt+e", "a", "alt+e", "c")
+    choose(user, "e", "a")
+    choose(user, "e", "c")
     until("the copy", lambda: user.ask("xclip", "-out", "-selection", "clipboard") == "tailscale serve --bg --yes 3000")
