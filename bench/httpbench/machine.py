@@ -86,11 +86,12 @@ def processor_time(pid):
     return total
 
 
-def busy_time():
-    """Seconds that all processors together have been used."""
+def used_times():
+    """Seconds that all processors together have been used, and what a hypervisor took of these for
+    other machines."""
     with open("/proc/stat") as stat:
-        user, nice, system, _idle, _wait, irq, softirq, steal = map(int, stat.readline().split()[1:9])
-    return (user + nice + system + irq + softirq + steal) / TICKS
+        user, nice, system, _idle, _wait, irq, softirq, stolen = map(int, stat.readline().split()[1:9])
+    return (user + nice + system + irq + softirq + stolen) / TICKS, stolen / TICKS
 
 
 def resident(pid):

@@ -14,6 +14,10 @@ from .comparison import Failed, Figure
 from .slices import wait_until, wait_until_quiet
 
 
+# Runs of a long slice, while others disturb it.
+LONG_TRIES = 4
+
+
 def time_per_request(result):
     return result["server"] / result["done"] * 1e6
 
@@ -61,7 +65,7 @@ class Load:
         return [words.get(option, option) for option in self.options]
 
     def sample(self, bench, server, options):
-        tries = 2 if "LONG" in self.options else 3
+        tries = LONG_TRIES if "LONG" in self.options else 3
         return bench.slice(server, self.path, "-s", self.status, *options, clients=self.clients, tries=tries)
 
     def lines(self, samples):
@@ -78,7 +82,7 @@ class Beside(Load):
         self.downloads = (path, downloads)
 
     def sample(self, bench, server, options):
-        return bench.slice(server, self.path, *options, beside=self.downloads, tries=2)
+        return bench.slice(server, self.path, *options, beside=self.downloads, tries=LONG_TRIES)
 
     def lines(self, samples):
         yield from super().lines(samples)
@@ -143,12 +147,12 @@ class BesideIdle:
         server, alone, beside = servers["brevane"], [], []
         options = ("-c", 64, "-r", 1000, "-d", bench.long_seconds)
         for _ in range(bench.long_rounds):
-            alone.append(latency(bench.slice(server, "/1k.txt", *options, tries=2)))
+            alone.append(latency(bench.slice(server, "/1k.txt", *options, tries=LONG_TRIES)))
             descriptors = machine.descriptors(server.pid)
             with idle_connections(server.port, 5000):
                 wait_until(lambda: machine.descriptors(server.pid) >= descriptors + 5000)
                 wait_until_quiet(server)
-                beside.append(latency(bench.slice(server, "/1k.txt", *options, tries=2)))
+                beside.append(latency(bench.slice(server, "/1k.txt", *options, tries=LONG_TRIES)))
             wait_until(lambda: machine.descriptors(server.pid) <= descriptors)
             wait_until_quiet(server)
         yield from self.figures[0].beside_itself(statistics.median(beside), statistics.median(alone), "none idle")
@@ -184,10 +188,10 @@ class Hung:
         options = ("-c", 64, "-r", 1000, "-d", bench.long_seconds)
         for _ in range(bench.long_rounds):
             with several(bench, 2) as (hanging, other):
-                undisturbed.append(latency(bench.slice(other, "/1k.txt", *options, tries=2)))
+                undisturbed.append(latency(bench.slice(other, "/1k.txt", *options, tries=LONG_TRIES)))
                 with hung_folder(bench) as questions, stuck(hanging.port, questions, os.cpu_count()):
                     for share, latencies in zip((other, hanging), samples):
-                        latencies.append(latency(bench.slice(share, "/1k.txt", *options, tries=2)))
+                        latencies.append(latency(bench.slice(share, "/1k.txt", *options, tries=LONG_TRIES)))
         for figure, latencies in zip(self.figures, samples):
             yield from figure.beside_itself(statistics.median(latencies), statistics.median(undisturbed), "no folder hangs")
 

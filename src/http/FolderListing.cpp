@@ -111,13 +111,16 @@ void FolderListing::Names::sort() {
 }
 
 void FolderListing::Names::sortByKey() {
+    std::uint64_t differing = 0;
+    for (const Record& record : records_)
+        differing |= record.key ^ records_.front().key;
     std::vector<Record> sorted(records_.size());
     for (unsigned shift = 0; shift < 64; shift += 8) {
+        if ((differing >> shift & 0xFF) == 0) continue;
         const auto byteOf = [shift](const Record& record) { return record.key >> shift & 0xFF; };
         std::array<std::size_t, 256> places{};
         for (const Record& record : records_)
             ++places[byteOf(record)];
-        if (places[byteOf(records_.front())] == records_.size()) continue;
         std::exclusive_scan(places.begin(), places.end(), places.begin(), std::size_t{0});
         for (const Record& record : records_)
             sorted[places[byteOf(record)]++] = record;
