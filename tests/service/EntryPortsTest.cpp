@@ -16,6 +16,11 @@ TEST(StopPort, IsWhatFollowsTheLastColon) {
     EXPECT_EQ(stopPortOf(":22"), "22");
 }
 
+TEST(StopPort, TakesColonsAtTheEndForNothing) {
+    EXPECT_EQ(stopPortOf("h:443:"), "443");
+    EXPECT_EQ(stopPortOf("h:8443::"), "8443");
+}
+
 TEST(StopPort, IsTheWholeTextWhereThereIsNoColon) {
     EXPECT_EQ(stopPortOf("host"), "host");
 }

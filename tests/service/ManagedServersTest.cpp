@@ -162,6 +162,21 @@ TEST_F(ManagedServersTest, ARunningServerIsLeftAlone) {
     EXPECT_TRUE(answer.starts_with("HTTP/1.1 404 "));
 }
 
+TEST_F(ManagedServersTest, AServerThatDoesNotRunAnyMoreIsReplaced) {
+    writeFile(folder / "a.txt", "content");
+    ManagedServerRecord record(preferences);
+    Published<ManagedServers::InfoMap> infos{{}};
+    ManagedServers servers(record, pool, infos);
+    const auto ended = std::make_shared<FileHTTPServer>(folder.path.string(), pool);
+    const std::int64_t port = ended->startListener(0).value();
+    servers.registerServer(ended, {.info = {folder.path.string(), true}, .node = "h"});
+    ManagedServers::stop(*ended);
+    servers.restoreManagedServersIfNeeded(
+        {proxyEntry("h:443", "http://127.0.0.1:" + std::to_string(port))}, "h");
+    EXPECT_TRUE(servers.startMissingServers());
+    EXPECT_EQ(fetch(port, "/a.txt"), "content");
+}
+
 TEST_F(ManagedServersTest, OnlyTheStaleOfTwoServersIsStopped) {
     const auto kept = freePort();
     start();

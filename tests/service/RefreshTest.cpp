@@ -207,14 +207,31 @@ TEST_F(Refresh, PublishesInOneStepInAFixedOrder) {
 
 TEST_F(Refresh, EveryChangeIsForwardedBeforeItTakesEffect) {
     start();
-    std::vector<bool> values;
-    const auto watching =
-        service->objectWillChange.subscribe([&] { values.push_back(*service->isLoading); });
+    int forwarded = 0;
+    bool wasLoading = true;
+    const auto watching = service->objectWillChange.subscribe([&] {
+        ++forwarded;
+        wasLoading = *service->isLoading;
+    });
     service->isLoading.set(true);
+    EXPECT_EQ(forwarded, 1);
+    EXPECT_FALSE(wasLoading);
+    service->dnsName.set("h.tail.ts.net");
+    EXPECT_EQ(forwarded, 2);
+    service->tailscaleIP.set("100.64.0.1");
+    EXPECT_EQ(forwarded, 3);
+    service->isConnected.set(true);
+    EXPECT_EQ(forwarded, 4);
+    service->hostname.set("h");
+    EXPECT_EQ(forwarded, 5);
+    service->entries.set({});
+    EXPECT_EQ(forwarded, 6);
     service->lastError.set("x");
+    EXPECT_EQ(forwarded, 7);
     service->lastOutput.set("y");
+    EXPECT_EQ(forwarded, 8);
     service->managedServerInfo.set({});
-    EXPECT_EQ(values, (std::vector<bool>{false, true, true, true}));
+    EXPECT_EQ(forwarded, 9);
 }
 
 TEST_F(Refresh, DoesNothingOnceTheServiceIsGone) {

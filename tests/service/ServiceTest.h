@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <latch>
 #include <map>
 #include <memory>
 #include <optional>
@@ -78,6 +79,13 @@ protected:
     void refresh() {
         service->refresh();
         finishRefresh();
+    }
+
+    // Waits until the background queue has done all that it has now.
+    void waitForQueue() {
+        std::latch done(1);
+        queue->post([&] { done.count_down(); });
+        done.wait();
     }
 
     struct Outcome {

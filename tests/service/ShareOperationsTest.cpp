@@ -6,6 +6,7 @@
 #include <boost/asio/ip/tcp.hpp>
 
 #include <algorithm>
+#include <functional>
 #include <latch>
 #include <optional>
 #include <vector>
@@ -23,6 +24,27 @@ protected:
         const std::int64_t port = service->managedServerInfo->rbegin()->first;
         servePrintsProxyTo(port);
         return port;
+    }
+
+    // The commands that have run when everything is done that is under way now.
+    std::vector<std::string> commandsInTheEnd() {
+        mainQueue.runPending();
+        waitForQueue();
+        return commands();
+    }
+
+    // Whether an operation has asked for a refresh by the time that it completes: its commands are
+    // then before what the completion asks for.
+    bool completesAfterItsRefresh(const std::function<void(std::function<void()>)>& operation) {
+        std::optional<bool> isRefreshed;
+        operation([&] {
+            queue->post([&] {
+                const bool last = commands().back() == "serve status --json";
+                mainQueue.post([&isRefreshed, last] { isRefreshed = last; });
+            });
+        });
+        EXPECT_TRUE(mainQueue.runUntil([&] { return isRefreshed.has_value(); }));
+        return isRefreshed.value_or(false);
     }
 
     std::string lastChange() {
@@ -64,7 +86,7 @@ TEST_F(ShareOperations, AFailedAddShowsTheOutputAndDoesNotRefresh) {
     EXPECT_FALSE(added.success);
     EXPECT_EQ(added.output, "boom");
     EXPECT_EQ(*service->lastError, "boom");
-    EXPECT_EQ(commands(), (std::vector<std::string>{"serve --bg --yes 3000"}));
+    EXPECT_EQ(commandsInTheEnd(), (std::vector<std::string>{"serve --bg --yes 3000"}));
 }
 
 TEST_F(ShareOperations, AFailedAddWithoutOutputShowsTheStatus) {
@@ -116,6 +138,15 @@ TEST_F(ShareOperations, AFolderIsRecordedAsEnteredWithoutBlanksOrAddedSlash) {
     EXPECT_EQ(info, (ManagedServerInfo{folder.path.string(), true}));
     EXPECT_EQ(lastChange(), "serve --bg --yes " + std::to_string(port));
     EXPECT_EQ(fetch(port, "/a.txt"), "content");
+}
+
+// Only an empty path shows it, which the window does not let through.
+TEST_F(ShareOperations, ASlashIsAppendedToAFoldersPath) {
+    writeFile(folder / "a.txt", "content");
+    start();
+    ASSERT_TRUE(add(SourceType::directory, "").success);
+    EXPECT_EQ(fetch(service->managedServerInfo->begin()->first, (folder / "a.txt").string()),
+              "content");
 }
 
 TEST_F(ShareOperations, AFolderThatDoesNotExistIsSharedAndAnswers404) {
@@ -278,6 +309,32 @@ TEST_F(ShareOperations, StopsAndResetsLeaveTheLastErrorAndOutputToOthers) {
     waitForOutcome();
     EXPECT_EQ(*service->lastError, std::nullopt);
     EXPECT_EQ(*service->lastOutput, std::nullopt);
+}
+
+TEST_F(ShareOperations, ASuccessfulStopLeavesTheLastErrorToItsRefresh) {
+    start();
+    service->lastError.set("old");
+    std::optional<std::string> atCompletion;
+    service->stopEntry(proxyEntry("h:443", ""), [&](bool, const std::string&) {
+        atCompletion = *service->lastError;
+        outcome.emplace();
+    });
+    waitForOutcome();
+    EXPECT_EQ(atCompletion, "old");
+    finishRefresh();
+    EXPECT_EQ(*service->lastError, std::nullopt);
+}
+
+TEST_F(ShareOperations, StopsAndResetsCompleteAfterTheyHaveAskedForARefresh) {
+    start();
+    const auto told = [](std::function<void()> done) {
+        return [done = std::move(done)](bool, const std::string&) { done(); };
+    };
+    EXPECT_TRUE(completesAfterItsRefresh(
+        [&](auto done) { service->stopEntry(proxyEntry("h:443", ""), told(done)); }));
+    EXPECT_TRUE(completesAfterItsRefresh([&](auto done) { service->resetServes(told(done)); }));
+    EXPECT_TRUE(completesAfterItsRefresh([&](auto done) { service->resetFunnels(told(done)); }));
+    EXPECT_TRUE(completesAfterItsRefresh([&](auto done) { service->resetAll(done); }));
 }
 
 TEST_F(ShareOperations, AnOperationWhoseServiceIsGoneRunsNothingAndNeverCompletes) {
