@@ -4,6 +4,7 @@
 #ifdef __linux__
 #include <fcntl.h>
 #include <net/if.h>
+#include <netinet/in.h>
 #include <sched.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
@@ -42,6 +43,26 @@ TEST_F(Listener, AnyPortGivesAFreeOneAndSetsIt) {
     EXPECT_TRUE(stopped.isRunning);
     EXPECT_TRUE(stopped.listener);
 }
+
+#ifdef __linux__
+TEST_F(Listener, ACallThatAcceptsNeverBlocks) {
+    int found = 0;
+    for (int descriptor = 0; descriptor < 1024; ++descriptor) {
+        int accepts = 0;
+        socklen_t length = sizeof accepts;
+        sockaddr_in6 address{};
+        socklen_t addressLength = sizeof address;
+        if (getsockopt(descriptor, SOL_SOCKET, SO_ACCEPTCONN, &accepts, &length) != 0 ||
+            accepts == 0)
+            continue;
+        getsockname(descriptor, reinterpret_cast<sockaddr*>(&address), &addressLength);
+        if (ntohs(address.sin6_port) != server.port) continue;
+        ++found;
+        EXPECT_NE(fcntl(descriptor, F_GETFL) & O_NONBLOCK, 0);
+    }
+    EXPECT_EQ(found, 1);
+}
+#endif
 
 TEST_F(Listener, ListensOnBothStacks) {
     EXPECT_TRUE(answers(server.port, Family::ipv4));

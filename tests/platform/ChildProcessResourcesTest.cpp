@@ -78,6 +78,28 @@ TEST(ChildProcess, WorksWhereOurStandardDescriptorsAreClosed) {
     EXPECT_EQ(result->standardError, "error\n");
 }
 
+// The child itself runs out, while it moves its pipes out of the way of 0, 1 and 2.
+TEST(ChildProcess, ReportsThatItsDescriptorsHaveRunOut) {
+    const Interrupt interrupt;
+    int failed = 0;
+    for (int limit = 3; limit < 16; ++limit) {
+        Result result;
+        {
+            const StandardDescriptorsClosed closed;
+            const test::DescriptorLimit few(limit);
+            result = child({"exit", "5"}).run(interrupt);
+        }
+        if (result) {
+            EXPECT_EQ(result->status, 5) << limit;
+        } else {
+            ++failed;
+            EXPECT_EQ(result.error(), std::errc::too_many_files_open) << limit;
+        }
+    }
+    EXPECT_GT(failed, 0);
+    EXPECT_LT(failed, 13);
+}
+
 TEST(ChildProcess, GivesAnErrorWhereOurProgramHasItsChildrenReaped) {
     const auto before = signal(SIGCHLD, SIG_IGN);
     const Interrupt interrupt;

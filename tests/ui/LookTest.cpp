@@ -4,6 +4,7 @@
 #include "Label.h"
 #include "SectionHeader.h"
 #include "ShareAddress.h"
+#include "SymbolView.h"
 #include "Theme.h"
 
 #include <QImage>
@@ -11,7 +12,10 @@
 #include <QTextEdit>
 
 #include <cmath>
+#include <cstdlib>
 #include <map>
+#include <tuple>
+#include <utility>
 
 namespace brevane::test {
 namespace {
@@ -133,6 +137,64 @@ protected:
         return view->rect();
     }
 
+    // A colour as it is seen on a ground.
+    static QRgb blended(const QColor& color, double opacity, QRgb ground) {
+        const auto channel = [&](int over, int under) {
+            return static_cast<int>(std::lround(opacity * over + (1 - opacity) * under));
+        };
+        return qRgb(channel(color.red(), qRed(ground)), channel(color.green(), qGreen(ground)),
+                    channel(color.blue(), qBlue(ground)));
+    }
+    static bool isNear(QRgb one, QRgb other) {
+        return std::abs(qRed(one) - qRed(other)) <= 2 &&
+               std::abs(qGreen(one) - qGreen(other)) <= 2 &&
+               std::abs(qBlue(one) - qBlue(other)) <= 2;
+    }
+    // Of a part of a row, in four pixels to each.
+    QImage pictureOf(std::size_t index, const QRect& part) {
+        QImage image(part.size() * 4, QImage::Format_RGB32);
+        image.setDevicePixelRatio(4);
+        const QPoint corner = row(index)->mapTo(view.get(), part.topLeft());
+        view->render(&image, QPoint(), QRegion(QRect(corner, part.size())));
+        return image;
+    }
+    QImage pictureOf(std::size_t index, const QWidget& child) {
+        return pictureOf(index, {child.mapTo(row(index), QPoint()), child.size()});
+    }
+    // The colour of the pixel that is furthest from the ground.
+    static QRgb strongest(const QImage& image) {
+        const QRgb ground = image.pixel(0, 0);
+        QRgb found = ground;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (contrast(ground, image.pixel(x, y)) > contrast(ground, found))
+                    found = image.pixel(x, y);
+        return found;
+    }
+    void expectKindsInColour() {
+        const Colors& colors = theme().colors();
+        const QRgb pane = colors.pane.rgb();
+        for (const auto& [index, tint, opacity, color] :
+             {std::tuple(0U, colors.blueTint, 0.12, colors.blue),
+              std::tuple(1U, colors.orangeTint, 0.15, colors.orange)}) {
+            const QImage badge = pictureOf(index, {14, (row(index)->height() - 30) / 2, 30, 30});
+            const QRgb ground = badge.pixel(60, 8);
+            EXPECT_TRUE(isNear(ground, blended(tint, opacity, pane)))
+                << index << std::hex << " " << ground << " " << blended(tint, opacity, pane);
+            EXPECT_TRUE(isNear(strongest(badge.copy(20, 20, 80, 80)), color.rgb())) << index;
+        }
+    }
+    void expectFaintButtons() {
+        const Colors& colors = theme().colors();
+        const QRgb pane = colors.pane.rgb();
+        const QRgb copy = strongest(pictureOf(0, *row(0)->copyButton()));
+        EXPECT_TRUE(isNear(copy, blended(colors.secondary, 0.5, pane)))
+            << std::hex << copy << " " << blended(colors.secondary, 0.5, pane);
+        const QRgb stop = strongest(pictureOf(0, *row(0)->stopButton()));
+        EXPECT_TRUE(isNear(stop, blended(colors.red, 0.7, pane)))
+            << std::hex << stop << " " << blended(colors.red, 0.7, pane);
+    }
+
     void expectNothingClipped() {
         for (auto* widget : view->findChildren<QWidget*>()) {
             if (!widget->isVisible()) continue;
@@ -213,6 +275,34 @@ TEST_F(LookTest, WhatCannotBePressedReachesAContrastOfFourAndAHalfToo) {
         settle();
         ASSERT_FALSE(button("Start Serve")->isEnabled());
         expectReadable();
+    }
+}
+
+TEST_F(LookTest, ARowsKindIsBlueOrOrangeOnAThinTintOfIt) {
+    open({800, 614});
+    expectKindsInColour();
+    const_cast<Theme&>(theme()).setDark(true);
+    settle();
+    expectKindsInColour();
+}
+
+TEST_F(LookTest, ARowsButtonsAreFaintWhileNothingPointsAtThem) {
+    open({800, 614});
+    expectFaintButtons();
+    const_cast<Theme&>(theme()).setDark(true);
+    settle();
+    expectFaintButtons();
+}
+
+TEST_F(LookTest, ARowShowsTheSymbolOfWhatItLeadsTo) {
+    open({800, 614});
+    auto file = entry("/c");
+    file.handlerType = ServeEntry::HandlerType::filePath;
+    publish({entry("/a"), file});
+    for (const auto& [index, name] : {std::pair(0U, "network"), std::pair(1U, "folder")}) {
+        const auto* symbol = row(index)->findChild<SymbolView*>();
+        EXPECT_EQ(symbol->symbol(), name);
+        EXPECT_TRUE(isNear(strongest(pictureOf(index, *symbol)), theme().colors().secondary.rgb()));
     }
 }
 

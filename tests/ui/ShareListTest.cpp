@@ -83,8 +83,10 @@ TEST_F(ShareListTest, AFailedStopStaysReadableAfterTheRefreshThatFollowsIt) {
     publish(serves(1));
     press("Stop share");
     press("Stop");
-    ASSERT_TRUE(until([&] { return service->isLoading.get(); }));
-    ASSERT_TRUE(until([&] { return !service->isLoading.get(); }));
+    ASSERT_TRUE(until([&] {
+        const auto ran = commands();
+        return !ran.empty() && ran.back() == "serve status --json" && !service->isLoading.get();
+    }));
     EXPECT_TRUE(shows("no such port"));
 }
 
@@ -245,6 +247,12 @@ TEST_F(ShareListTest, TheRowUnderThePointerIsTheHoveredOne) {
     QTest::mouseMove(view.get(), QPoint(2, 2));
     settle();
     EXPECT_FALSE(row(1)->isHovered());
+}
+
+TEST_F(ShareListTest, ARowsButtonsSayInTheirTooltipsWhatTheyDo) {
+    publish(serves(1));
+    EXPECT_EQ(toolTipOf(*row(0)->copyButton()), "Copy URL");
+    EXPECT_EQ(toolTipOf(*row(0)->stopButton()), "Stop share");
 }
 
 TEST_F(ShareListTest, TenThousandSharesHaveARowEach) {

@@ -98,12 +98,14 @@ protected:
 
     // What is shown when the pointer rests on a control.
     static QString toolTipOf(const QWidget& widget) {
+        EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
         auto& asked = const_cast<QWidget&>(widget);
         const QPoint middle = asked.rect().center();
         QHelpEvent event(QEvent::ToolTip, middle, asked.mapToGlobal(middle));
         QApplication::sendEvent(&asked, &event);
+        QString shown = QToolTip::isVisible() ? QToolTip::text() : QString();
         QToolTip::hideText();
-        return asked.toolTip();
+        return shown;
     }
 
     QDialog* dialog() {
