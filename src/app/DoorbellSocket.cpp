@@ -8,6 +8,7 @@
 
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -62,25 +63,33 @@ DoorbellSocket::~DoorbellSocket() {
     if (socket_ >= 0) close(socket_);
 }
 
-bool DoorbellSocket::ring(std::string_view name) {
+bool DoorbellSocket::ring(std::string_view name, std::string_view message) {
     const Address address(name);
-    return sendto(socket_, nullptr, 0, MSG_NOSIGNAL, address.get(), address.size) == 0;
+    return sendto(socket_, message.data(), message.size(), MSG_NOSIGNAL, address.get(),
+                  address.size) >= 0;
 }
 
-std::optional<std::string> DoorbellSocket::nextRing() {
+std::optional<DoorbellSocket::Ring> DoorbellSocket::nextRing() {
     while (true) {
         sockaddr_un sender{};
         alignas(cmsghdr) std::array<char, CMSG_SPACE(sizeof(ucred))> control{};
         msghdr header{};
+        std::array<char, longestMessage> message{};
+        iovec bytes{.iov_base = message.data(), .iov_len = message.size()};
+        header.msg_iov = &bytes;
+        header.msg_iovlen = 1;
         header.msg_name = &sender;
         header.msg_namelen = sizeof sender;
         header.msg_control = control.data();
         header.msg_controllen = control.size();
-        if (recvmsg(socket_, &header, MSG_CMSG_CLOEXEC) < 0) return std::nullopt;
+        const ssize_t size = recvmsg(socket_, &header, MSG_CMSG_CLOEXEC);
+        if (size < 0) return std::nullopt;
         if (!isOwnUser(header)) continue;
+        Ring ring{.caller = {}, .message = {message.data(), static_cast<std::size_t>(size)}};
         constexpr std::size_t start = offsetof(sockaddr_un, sun_path) + 1;
-        if (header.msg_namelen <= start) return "";
-        return std::string(sender.sun_path + 1, header.msg_namelen - start);
+        if (header.msg_namelen > start)
+            ring.caller.assign(sender.sun_path + 1, header.msg_namelen - start);
+        return ring;
     }
 }
 

@@ -70,7 +70,7 @@ SingleInstance::~SingleInstance() {
     if (doorbell_) unlink(socketPath_.c_str());
 }
 
-SingleInstance::Claim SingleInstance::claim() {
+SingleInstance::Claim SingleInstance::claim(const std::string& token) {
     const auto deadline = std::chrono::steady_clock::now() + patience;
     DoorbellSocket caller;
     bool asked = false;
@@ -82,20 +82,23 @@ SingleInstance::Claim SingleInstance::claim() {
             return Claim::first;
         }
         // Refused while the other one is between its lock and its socket.
-        asked = asked || caller.ring(socketPath_);
+        asked = asked || caller.ring(socketPath_, token);
         if (caller.waitForRing(between)) return Claim::otherAsked;
     } while (std::chrono::steady_clock::now() < deadline);
     return Claim::noAnswer;
 }
 
-void SingleInstance::onRaise(std::function<void()> raise) {
+void SingleInstance::onRaise(std::function<void(const std::string& token)> raise) {
     if (!doorbell_ || doorbell_->descriptor() < 0) return;
     notifier_ = std::make_unique<QSocketNotifier>(doorbell_->descriptor(), QSocketNotifier::Read);
     QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
                      [this, raise = std::move(raise)] {
-                         while (const auto caller = doorbell_->nextRing())
-                             doorbell_->ring(*caller);
-                         raise();
+                         std::string token;
+                         while (auto ring = doorbell_->nextRing()) {
+                             doorbell_->ring(ring->caller);
+                             token = std::move(ring->message);
+                         }
+                         raise(token);
                      });
 }
 

@@ -32,14 +32,15 @@ public:
     SingleInstance(const SingleInstance&) = delete;
     SingleInstance& operator=(const SingleInstance&) = delete;
 
-    /// Takes the lock, or asks who has it to show its window. Blocks a few seconds at most while
-    /// the other one starts, ends or is busy. Where the file system knows no locks everyone is
-    /// first.
-    [[nodiscard]] Claim claim();
+    /// Takes the lock, or asks its holder to show its window and hands over `token`: the activation
+    /// token of this program's start (xdg-activation-v1), empty if there is none. Blocks a few
+    /// seconds at most while the other one starts, ends or is busy. On a file system without locks
+    /// everyone is first.
+    [[nodiscard]] Claim claim(const std::string& token = {});
 
-    /// Calls `raise` from the event loop whenever another program asks, also for those that asked
-    /// since the claim. For the one that is first.
-    void onRaise(std::function<void()> raise);
+    /// Calls `raise` with the token from the event loop whenever another program asks, also for
+    /// those that have asked since the claim. For the one that is first.
+    void onRaise(std::function<void(const std::string& token)> raise);
 
 private:
     Descriptor folder_;

@@ -132,8 +132,10 @@ int main(int argc, char** argv) {
     // The system itself starts an application only once.
     return run(argc, argv, [](AppDelegate&) {});
 #else
+    // A Wayland compositor lets a window come to the front only with a token of what the user did.
+    constexpr auto activationToken = "XDG_ACTIVATION_TOKEN";
     SingleInstance instance(FilePreferences::defaultFile().parent_path());
-    switch (instance.claim()) {
+    switch (instance.claim(qgetenv(activationToken).toStdString())) {
     case SingleInstance::Claim::otherAsked:
         return EXIT_SUCCESS;
     case SingleInstance::Claim::noAnswer:
@@ -143,7 +145,11 @@ int main(int argc, char** argv) {
         break;
     }
     avoidSilentBuses();
-    return run(argc, argv,
-               [&](AppDelegate& delegate) { instance.onRaise([&] { delegate.activate(); }); });
+    return run(argc, argv, [&](AppDelegate& delegate) {
+        instance.onRaise([&](const std::string& token) {
+            if (!token.empty()) qputenv(activationToken, token.c_str()); // Qt takes it from there
+            delegate.activate();
+        });
+    });
 #endif
 }

@@ -22,11 +22,23 @@ TEST(DoorbellSocket, WhoRingsCanBeAnswered) {
     DoorbellSocket caller;
     EXPECT_FALSE(listener.nextRing());
     ASSERT_TRUE(caller.ring(ownName()));
-    const auto name = listener.nextRing();
-    ASSERT_TRUE(name);
+    const auto ring = listener.nextRing();
+    ASSERT_TRUE(ring);
+    EXPECT_EQ(ring->message, "");
     EXPECT_FALSE(caller.waitForRing(0ms));
-    ASSERT_TRUE(listener.ring(*name));
+    ASSERT_TRUE(listener.ring(ring->caller));
     EXPECT_TRUE(caller.waitForRing(1s));
+}
+
+TEST(DoorbellSocket, AMessageArrivesAsItIsAndAnEndlessOneIsCut) {
+    DoorbellSocket listener(ownName());
+    DoorbellSocket caller;
+    ASSERT_TRUE(caller.ring(ownName(), std::string("a\0b", 3)));
+    ASSERT_TRUE(caller.ring(ownName(), std::string(100'000, 'x')));
+    EXPECT_EQ(listener.nextRing().value().message, std::string("a\0b", 3));
+    EXPECT_EQ(listener.nextRing().value().message,
+              std::string(DoorbellSocket::longestMessage, 'x'));
+    EXPECT_FALSE(listener.nextRing());
 }
 
 TEST(DoorbellSocket, RingingWhereNobodyListensFails) {

@@ -30,11 +30,11 @@ protected:
     [[nodiscard]] std::filesystem::path folder() const { return parent / "config" / "brevane"; }
 
     /// What another program gets on `path` while this one's event loop runs.
-    static Claim claimMeanwhile(const std::filesystem::path& path) {
+    static Claim claimMeanwhile(const std::filesystem::path& path, const std::string& token = {}) {
         std::atomic<bool> done = false;
         Claim claim = Claim::noAnswer;
         std::thread other([&] {
-            claim = SingleInstance(path).claim();
+            claim = SingleInstance(path).claim(token);
             done = true;
         });
         while (!done)
@@ -51,7 +51,7 @@ TEST_F(SingleInstanceTest, WithoutARuntimeFolderTheFirstMakesTheFolderForItsOwne
     SingleInstance instance(folder());
     EXPECT_EQ(instance.claim(), Claim::first);
     EXPECT_EQ(std::filesystem::status(folder()).permissions(), std::filesystem::perms::owner_all);
-    instance.onRaise([] {});
+    instance.onRaise([](const std::string&) {});
     EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
 }
 
@@ -79,7 +79,7 @@ TEST_F(SingleInstanceTest, ARuntimeFolderOfAnyLengthWillDo) {
     setenv("XDG_RUNTIME_DIR", deep.c_str(), 1);
     SingleInstance first(folder());
     ASSERT_EQ(first.claim(), Claim::first);
-    first.onRaise([] {});
+    first.onRaise([](const std::string&) {});
     EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
 }
 
@@ -89,7 +89,7 @@ TEST_F(SingleInstanceTest, WhatACrashedOneLeftBehindKeepsNobodyOut) {
     std::ofstream(lock.parent_path() / lock.stem()) << "in the socket's place";
     SingleInstance instance(folder());
     ASSERT_EQ(instance.claim(), Claim::first);
-    instance.onRaise([] {});
+    instance.onRaise([](const std::string&) {});
     EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
 }
 
@@ -97,10 +97,22 @@ TEST_F(SingleInstanceTest, ASecondOneRaisesTheFirst) {
     SingleInstance first(folder());
     ASSERT_EQ(first.claim(), Claim::first);
     int raised = 0;
-    first.onRaise([&] { ++raised; });
+    first.onRaise([&](const std::string&) { ++raised; });
 
     EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
     EXPECT_EQ(raised, 1);
+}
+
+TEST_F(SingleInstanceTest, ASecondOneHandsItsActivationTokenOver) {
+    SingleInstance first(folder());
+    ASSERT_EQ(first.claim("not for anyone"), Claim::first);
+    std::string received;
+    first.onRaise([&](const std::string& token) { received = token; });
+
+    EXPECT_EQ(claimMeanwhile(folder(), "token-1"), Claim::otherAsked);
+    EXPECT_EQ(received, "token-1");
+    EXPECT_EQ(claimMeanwhile(folder()), Claim::otherAsked);
+    EXPECT_EQ(received, "");
 }
 
 TEST_F(SingleInstanceTest, AnotherFolderIsAnotherInstance) {
@@ -113,7 +125,7 @@ TEST_F(SingleInstanceTest, AnotherFolderIsAnotherInstance) {
 TEST_F(SingleInstanceTest, TheSameFolderByAnotherPathIsTheSameInstance) {
     SingleInstance first(folder());
     ASSERT_EQ(first.claim(), Claim::first);
-    first.onRaise([] {});
+    first.onRaise([](const std::string&) {});
     std::filesystem::create_directory(parent / "config");
     std::filesystem::create_directory_symlink(parent / "config", parent / "link");
     EXPECT_EQ(claimMeanwhile(parent / "link" / "brevane"), Claim::otherAsked);
@@ -141,7 +153,7 @@ TEST_F(SingleInstanceTest, OneThatNeverAnswersIsLeftAloneAfterAWhile) {
     ASSERT_EQ(first.claim(), Claim::first);
     EXPECT_EQ(SingleInstance(folder()).claim(), Claim::noAnswer);
     int raised = 0;
-    first.onRaise([&] { ++raised; });
+    first.onRaise([&](const std::string&) { ++raised; });
     QCoreApplication::processEvents();
     EXPECT_EQ(raised, 1);
 }
