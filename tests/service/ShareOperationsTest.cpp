@@ -6,6 +6,7 @@
 #include <boost/asio/ip/tcp.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <latch>
 #include <optional>
@@ -335,6 +336,17 @@ TEST_F(ShareOperations, StopsAndResetsCompleteAfterTheyHaveAskedForARefresh) {
     EXPECT_TRUE(completesAfterItsRefresh([&](auto done) { service->resetServes(told(done)); }));
     EXPECT_TRUE(completesAfterItsRefresh([&](auto done) { service->resetFunnels(told(done)); }));
     EXPECT_TRUE(completesAfterItsRefresh([&](auto done) { service->resetAll(done); }));
+}
+
+TEST_F(ShareOperations, AStopDoesNotWaitForADiskThatHangs) {
+    std::latch answer(1);
+    preferences.beforeUpdate = [&] { answer.wait(); };
+    start();
+    const auto begun = std::chrono::steady_clock::now();
+    service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:49231"), completion());
+    EXPECT_TRUE(waitForOutcome().success);
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(30));
+    answer.count_down();
 }
 
 TEST_F(ShareOperations, AnOperationWhoseServiceIsGoneRunsNothingAndNeverCompletes) {

@@ -4,6 +4,7 @@
 #include "Preferences.h"
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 
 namespace brevane::test {
@@ -19,6 +20,7 @@ public:
     }
 
     std::error_code update(const std::map<std::string, Changes>& dictionaries) override {
+        beforeUpdate();
         const std::lock_guard lock(mutex_);
         for (const auto& [key, changes] : dictionaries)
             for (const auto& [name, entry] : changes) {
@@ -32,6 +34,7 @@ public:
     }
 
     std::atomic<int> writes = 0;
+    std::function<void()> beforeUpdate = [] {}; ///< called by whoever writes
 
 private:
     mutable std::mutex mutex_; // guards the dictionaries
