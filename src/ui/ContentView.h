@@ -30,8 +30,6 @@ class ToastBar;
 class ContentView : public QWidget {
     Q_OBJECT
 public:
-    using ResetTarget = brevane::ResetTarget;
-
     /// The service and the main queue, which is the one that the service uses, outlive the view.
     ContentView(TailscaleService& service, MainQueue& mainQueue, QWidget* parent = nullptr);
     ~ContentView() override;

@@ -14,8 +14,6 @@ class ModeHeader : public Surface {
 public:
     explicit ModeHeader(QWidget* parent = nullptr);
 
-    [[nodiscard]] ServeMode mode() const { return chosen_; }
-
 Q_SIGNALS:
     void modeChanged(brevane::ServeMode mode);
 

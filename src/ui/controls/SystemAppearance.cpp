@@ -22,7 +22,7 @@ namespace brevane {
 
 SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
     const auto* hints = QGuiApplication::styleHints();
-    dark = hints->colorScheme() == Qt::ColorScheme::Dark;
+    dark_ = hints->colorScheme() == Qt::ColorScheme::Dark;
     connect(hints, &QStyleHints::colorSchemeChanged, this,
             [this](Qt::ColorScheme scheme) { setDark(scheme == Qt::ColorScheme::Dark); });
 }
