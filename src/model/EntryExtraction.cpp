@@ -16,7 +16,7 @@ bool isFunnelled(const std::optional<JsonMap<bool>>& allowFunnel, std::string_vi
     return found != allowFunnel->end() && found->second;
 }
 
-// A handler of a kind that Brevane does not know is still listed, as a proxy without a target.
+// A handler of an unknown kind is still listed, as a proxy without a target.
 std::pair<HandlerType, std::string> classified(const HTTPHandlerJSON& handler) {
     if (handler.Proxy) return {HandlerType::proxy, *handler.Proxy};
     if (handler.Path) return {HandlerType::filePath, *handler.Path};

@@ -9,10 +9,10 @@
 
 namespace brevane {
 
-/// The rows of the share list that a serve configuration stands for: background web handlers, then
-/// background TCP forwards, then foreground web handlers, with the funnelled ones after all others
-/// and the order otherwise kept. `dnsName` is this machine's full DNS name without trailing dot:
-/// the daemon lists TCP forwards by port alone. Every call draws new identities.
+/// Converts a serve configuration to the rows of the share list: background web handlers,
+/// background TCP forwards, then foreground web handlers, stably partitioned so that funnelled rows
+/// come last. `dnsName` is this machine's full DNS name without trailing dot, since the daemon
+/// lists TCP forwards by port only. Every call generates new IDs.
 [[nodiscard]] std::vector<ServeEntry> extractEntries(const ServeConfigJSON& config,
                                                      std::string_view dnsName);
 

@@ -15,8 +15,8 @@ namespace {
 namespace json = boost::json;
 using Error = boost::system::error_code;
 
-/// The handler of a `basic_parser`: builds the wanted members of the outermost object only.
-/// Returning false stops the parser.
+/// Event handler for `basic_parser`: builds only the wanted members of the outermost object. A
+/// callback that returns false stops the parser.
 class MemberSelector {
 public:
     static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
@@ -104,7 +104,7 @@ public:
         return scalarEnded(error);
     }
 
-    // The parser refuses comments, but has to be able to call these.
+    // `basic_parser` requires these, but never calls them: comments are rejected by default.
     bool on_comment_part(json::string_view, Error&) { return true; }
     bool on_comment(json::string_view, Error&) { return true; }
 
@@ -127,9 +127,9 @@ private:
 
     std::span<const std::string_view> wanted_;
     json::object members_;
-    json::value_stack stack_; ///< of the wanted member that is being built
-    std::string key_;         ///< of the outermost object's member that is being parsed
-    int depth_ = 0;           ///< of the objects and arrays that are open
+    json::value_stack stack_; ///< builds the current wanted member
+    std::string key_;         ///< key of the current member of the outermost object
+    int depth_ = 0;           ///< number of open objects and arrays
     bool isBuilding_ = false;
 };
 

@@ -12,18 +12,18 @@
 #include <string_view>
 #include <vector>
 
-// Shared by the decoders of the daemon's two documents, and by nothing else.
+// Internal to the decoders of the daemon's two documents.
 namespace brevane {
 
 /// Parses a document that must be one JSON object (RFC 8259) in UTF-8, nested at most 512 deep, and
-/// returns those of its members whose key is among `wanted`. All others are checked and skipped
-/// without building them: the peers are nearly all of a large status document. The last of a
-/// repeated key counts. Nothing on any other document, and on a number whose exponent does not fit
-/// 32 bits, wherever it stands.
+/// returns the members whose keys are in `wanted`. The others are validated but not built: a large
+/// status document consists almost entirely of peers. If a key is repeated, its last value counts.
+/// Returns nullopt for any other document and for any number whose exponent does not fit in 32
+/// bits.
 [[nodiscard]] std::optional<boost::json::object>
 parseMembers(std::string_view document, std::span<const std::string_view> wanted);
 
-// Each `read` returns false for a value of another type, which fails the whole document.
+// Each `read` returns false if the value has the wrong type; the whole document is rejected then.
 
 [[nodiscard]] bool read(const boost::json::value& value, std::string& text);
 [[nodiscard]] bool read(const boost::json::value& value, bool& truth);
@@ -44,7 +44,7 @@ template <class Value>
     return value.is_null() || read(value, field.emplace());
 }
 
-/// An optional member: missing and null leave the field empty.
+/// An optional member: if it is missing or null, the field stays empty.
 template <class Value>
 [[nodiscard]] bool read(const boost::json::object& object, std::string_view key,
                         std::optional<Value>& field) {

@@ -7,12 +7,12 @@
 
 namespace brevane {
 
-/// The text behind each case of an enumeration, in declaration order. The text is also the label
-/// that the user sees. Specialised beside each enumeration as an array `cases` of (case, text).
+/// The text of each enumerator, in declaration order; it is also the label that the user sees.
+/// Specialised next to each enumeration with an array `cases` of (enumerator, text).
 template <class Enum>
 struct RawValues;
 
-/// The text of a case.
+/// The text of an enumerator.
 template <class Enum>
 [[nodiscard]] constexpr std::string_view rawValue(Enum value) {
     for (const auto& [known, text] : RawValues<Enum>::cases)
@@ -20,7 +20,7 @@ template <class Enum>
     return {};
 }
 
-/// The case with exactly this text (case-sensitive), or none.
+/// The enumerator with exactly this text (case-sensitive), or nullopt.
 template <class Enum>
 [[nodiscard]] constexpr std::optional<Enum> fromRawValue(std::string_view text) {
     for (const auto& [known, knownText] : RawValues<Enum>::cases)

@@ -9,7 +9,7 @@ namespace brevane {
 
 namespace json = boost::json;
 
-// Found by the templates of JsonDecoding.h through their record's namespace.
+// The templates in JsonDecoding.h find these overloads by argument-dependent lookup.
 
 static bool read(const json::value& value, TCPPortHandlerJSON& handler) {
     const auto* const object = value.if_object();

@@ -9,8 +9,8 @@
 
 namespace brevane {
 
-/// A JSON object taken as a map. Members are visited in the order of their names, so that the rows
-/// made from it stand still from one refresh to the next.
+/// A JSON object as a map. Iteration is in key order, so that rows keep their order from one
+/// refresh to the next.
 template <class Value>
 using JsonMap = std::map<std::string, Value, std::less<>>;
 
@@ -20,7 +20,7 @@ struct TCPPortHandlerJSON {
     std::optional<std::string> TCPForward;
 };
 
-/// One handler at a mount path. The daemon fills at most one of the three.
+/// One handler at a mount path. The daemon sets at most one of the three.
 struct HTTPHandlerJSON {
     std::optional<std::string> Proxy;
     std::optional<std::string> Path;
@@ -32,15 +32,15 @@ struct WebServerConfigJSON {
     std::optional<JsonMap<HTTPHandlerJSON>> Handlers; ///< by mount path
 };
 
-/// The configuration that one foreground `tailscale serve` holds.
+/// The configuration of one foreground `tailscale serve`.
 struct ServeConfigFgJSON {
     std::optional<JsonMap<TCPPortHandlerJSON>> TCP;  ///< by port
     std::optional<JsonMap<WebServerConfigJSON>> Web; ///< by host:port
     std::optional<JsonMap<bool>> AllowFunnel;        ///< by host:port
 };
 
-/// What Brevane reads of `tailscale serve status --json`. Fields are named as the daemon's keys; a
-/// key that is missing or null leaves its field empty.
+/// The part of `tailscale serve status --json` that Brevane reads. Fields are named after the
+/// daemon's keys; a missing or null key leaves its field empty.
 struct ServeConfigJSON {
     std::optional<JsonMap<TCPPortHandlerJSON>> TCP;       ///< by port
     std::optional<JsonMap<WebServerConfigJSON>> Web;      ///< by host:port
@@ -48,9 +48,9 @@ struct ServeConfigJSON {
     std::optional<JsonMap<ServeConfigFgJSON>> Foreground; ///< by session
 };
 
-/// Decodes a whole document. Nothing for what is not a JSON object (RFC 8259) in UTF-8, nests
-/// deeper than 512, or holds a listed key of another type anywhere; of a repeated key the last
-/// one counts, and unknown keys are skipped.
+/// Decodes a whole document. Returns nullopt if it is not a JSON object (RFC 8259) in UTF-8, is
+/// nested deeper than 512, or has a value of the wrong type under any of these keys. If a key is
+/// repeated, its last value counts; unknown keys are skipped.
 [[nodiscard]] std::optional<ServeConfigJSON> decodeServeConfig(std::string_view document);
 
 } // namespace brevane

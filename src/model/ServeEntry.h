@@ -10,19 +10,19 @@
 
 namespace brevane {
 
-/// One row of the share list, as read back from the daemon. Two entries are told apart only by
-/// `id`, which is drawn anew each time an entry is made.
+/// One row of the share list, as read back from the daemon. Entries are distinguished only by `id`,
+/// which is newly generated for each entry.
 struct ServeEntry {
-    /// What stands behind a row.
+    /// The kind of target behind a row.
     enum class HandlerType {
-        proxy,    ///< a proxy target, or a handler of a kind that Brevane does not know
+        proxy,    ///< a proxy target, or a handler of an unknown kind
         filePath, ///< a file or folder that the daemon itself serves
         text,     ///< a fixed text
         tcp,      ///< a raw TCP target
     };
 
     boost::uuids::uuid id;
-    bool isFunnel;        ///< the host and port are published to the public internet
+    bool isFunnel;        ///< the host and port are reachable from the public internet
     std::string hostPort; ///< the machine's full DNS name, ":" and the port
     std::string urlPath;  ///< mount path, beginning with "/"; "/" for a TCP forward
     HandlerType handlerType;
@@ -30,7 +30,7 @@ struct ServeEntry {
     bool isBackground;         ///< from the daemon's persistent configuration
 };
 
-/// A new random identity (RFC 4122, version 4). Any thread.
+/// Returns a new random UUID (RFC 4122, version 4). Any thread.
 [[nodiscard]] boost::uuids::uuid makeEntryId();
 
 template <>

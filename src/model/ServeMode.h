@@ -13,7 +13,7 @@ enum class ServeMode {
     funnel, ///< the public internet (`tailscale funnel`)
 };
 
-/// Every mode, in the order in which a picker offers them.
+/// Every mode, in the order shown by a picker.
 inline constexpr std::array allServeModes{ServeMode::serve, ServeMode::funnel};
 
 template <>

@@ -17,7 +17,7 @@ enum class SourceType {
     tcpForward,    ///< raw TCP
 };
 
-/// Every source type, in the order in which a picker offers them.
+/// Every source type, in the order shown by a picker.
 inline constexpr std::array allSourceTypes{SourceType::port,      SourceType::file,
                                            SourceType::directory, SourceType::httpsInsecure,
                                            SourceType::text,      SourceType::tcpForward};
@@ -39,7 +39,7 @@ struct RawValues<SourceType> {
     }};
 };
 
-/// Identity of a source type in a list: its raw value.
+/// The ID of a source type in a list: its raw value.
 [[nodiscard]] constexpr std::string_view id(SourceType type) {
     return rawValue(type);
 }

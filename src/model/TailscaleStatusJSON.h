@@ -8,12 +8,12 @@
 
 namespace brevane {
 
-/// What Brevane reads of `tailscale status --json`. Fields are named as the daemon's keys; a key
-/// that is missing or null leaves its field empty.
+/// The part of `tailscale status --json` that Brevane reads. Fields are named after the daemon's
+/// keys; a missing or null key leaves an optional field empty.
 struct TailscaleStatusJSON {
     /// This machine.
     struct SelfNode {
-        std::optional<std::string> DNSName; ///< full DNS name, as a rule with a trailing dot
+        std::optional<std::string> DNSName; ///< full DNS name, usually with a trailing dot
         std::optional<std::vector<std::string>> TailscaleIPs;
         std::optional<bool> Online;
         std::optional<std::string> HostName;
@@ -23,9 +23,10 @@ struct TailscaleStatusJSON {
     std::optional<SelfNode> selfNode; ///< key "Self"
 };
 
-/// Decodes a whole document. Nothing for what is not JSON (RFC 8259) in UTF-8, nests deeper than
-/// 512, lacks "BackendState", or holds a listed key of another type; of a repeated key the last
-/// one counts. The peers, nearly all of a large document, are checked but never built.
+/// Decodes a whole document. Returns nullopt if it is not a JSON object (RFC 8259) in UTF-8, is
+/// nested deeper than 512, lacks "BackendState", or has a value of the wrong type under any of
+/// these keys. If a key is repeated, its last value counts. The peers, almost all of a large
+/// document, are validated but not built.
 [[nodiscard]] std::optional<TailscaleStatusJSON> decodeTailscaleStatus(std::string_view document);
 
 } // namespace brevane

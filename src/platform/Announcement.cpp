@@ -11,10 +11,10 @@ Subscription Announcement::subscribe(std::function<void()> observer) {
 }
 
 void Announcement::announce() {
-    // Observers may subscribe meanwhile, so the round goes over a copy.
+    // Iterates over a copy, since observers may subscribe during the loop.
     const auto round = observers_;
     for (const auto& known : round) {
-        // Held during the call: the observer may end its own subscription.
+        // Keeps the observer alive if it cancels its own subscription.
         if (const auto observer = known.lock()) (*observer)();
     }
 }

@@ -8,7 +8,7 @@
 
 namespace brevane {
 
-/// Keeps one observer subscribed for as long as it lives. May outlive what it observes.
+/// Keeps one observer subscribed for its own lifetime. May outlive the Announcement.
 class [[nodiscard]] Subscription {
 public:
     /// Observes nothing.
@@ -17,8 +17,8 @@ public:
     Subscription(Subscription&&) noexcept = default;
     Subscription& operator=(Subscription&&) noexcept = default;
 
-    /// Ends the subscription now. Once this returns on the announcing thread the observer is not
-    /// called again, also in the middle of an announcement.
+    /// Unsubscribes. After this the observer is not called again, not even by an announcement in
+    /// progress.
     void cancel() { observer_.reset(); }
 
 private:
@@ -29,8 +29,8 @@ private:
     std::shared_ptr<const Observer> observer_;
 };
 
-/// Something that observers can be told of. One thread only. While it announces, observers may
-/// subscribe (heard from the next announcement on), unsubscribe and announce again.
+/// A source of notifications. One thread only. During an announcement, observers may subscribe
+/// (their first call is at the next announcement), unsubscribe and announce again.
 class Announcement {
 public:
     Announcement() = default;
@@ -38,10 +38,10 @@ public:
     Announcement(const Announcement&) = delete;
     Announcement& operator=(const Announcement&) = delete;
 
-    /// Calls `observer` at every announcement from now on, in the order of subscribing.
+    /// Calls `observer` at every later announcement, as long as the returned Subscription lives.
     Subscription subscribe(std::function<void()> observer);
 
-    /// Calls every observer.
+    /// Calls all observers, in order of subscription.
     void announce();
 
 private:

@@ -28,13 +28,13 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// How long a child has from SIGTERM to SIGKILL.
+// Time between SIGTERM and SIGKILL.
 constexpr std::chrono::seconds grace{1};
 
-// In milliseconds.
+// In milliseconds, between calls of waitid if there is no descriptor to watch for the exit.
 constexpr int askingInterval = 10;
 
-// Appends what there is to be read, and closes the output at its end.
+// Reads once and appends the bytes; closes the output at end of file or on an error.
 void readSome(Descriptor& output, std::string& bytes) {
     std::array<char, 65536> chunk;
     const ssize_t count = read(output.get(), chunk.data(), chunk.size());
@@ -50,8 +50,9 @@ int millisecondsUntil(Clock::time_point time) {
     return left > milliseconds::zero() ? static_cast<int>(left.count()) : 0;
 }
 
-// A descriptor that poll reports as readable once a child of ours has exited. Does not reap it. A
-// closed one where the operating system has none to give, also because the child has exited.
+// Returns a descriptor that polls as readable once the child has exited, without reaping it.
+// Returns a closed one if the system cannot provide one, on macOS also if the child has already
+// exited.
 Descriptor watchExit(pid_t child) {
 #ifdef __APPLE__
     Descriptor events(kqueue());
@@ -60,12 +61,12 @@ Descriptor watchExit(pid_t child) {
     if (kevent(events.get(), &exit, 1, nullptr, 0, nullptr) == -1) events.close();
     return events;
 #else
-    // By number, as the C library's declaration of pidfd_open is not usable from C++ everywhere.
+    // By number: glibc 2.36 declares pidfd_open without extern "C".
     return Descriptor(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
 #endif
 }
 
-// Whether a child of ours has exited, or is gone altogether. Does not reap it.
+// Whether the child has exited or has been reaped by someone else. Does not reap it.
 bool hasExited(pid_t child) {
     siginfo_t exited{};
     if (waitid(P_PID, static_cast<id_t>(child), &exited, WEXITED | WNOHANG | WNOWAIT) == -1)
@@ -73,15 +74,15 @@ bool hasExited(pid_t child) {
     return exited.si_pid == child;
 }
 
-// A child process that has been launched as the leader of a session, and is not reaped yet.
+// A launched child process, the leader of its own session, not reaped yet.
 class RunningChild {
 public:
-    // Takes over the child and the read ends of its outputs.
+    // Takes ownership of the child and of the read ends of its output pipes.
     RunningChild(pid_t process, Descriptor standardOutput, Descriptor standardError,
                  std::chrono::milliseconds patience);
 
-    // Sees the child to its end as ChildProcess::run() promises. Once only. The error where
-    // someone else has reaped the child.
+    // Drains the outputs and reaps the child as documented at ChildProcess::run(). Call once.
+    // Returns an error if someone else has reaped the child.
     [[nodiscard]] std::expected<ChildProcess::Outcome, std::error_code>
     finish(const Interrupt& interrupt);
 
@@ -118,12 +119,12 @@ RunningChild::finish(const Interrupt& interrupt) {
 void RunningChild::drainUntilExit(const Interrupt& interrupt) {
     const Descriptor exit = watchExit(process_);
     bool exited = false;
-    // What the interrupted child gets when the deadline has come; after SIGKILL there is none.
+    // The signal to send when the deadline passes; after SIGKILL there is none.
     int next = SIGTERM;
     std::optional<Clock::time_point> deadline;
     bool killed = false;
     while (!exited || (!killed && (standardOutput_.isOpen() || standardError_.isOpen()))) {
-        // Poll passes over -1, which a closed descriptor is.
+        // poll ignores the -1 of a closed descriptor.
         std::array<pollfd, 4> watched{{
             {.fd = standardOutput_.get(), .events = POLLIN, .revents = 0},
             {.fd = standardError_.get(), .events = POLLIN, .revents = 0},
@@ -131,7 +132,7 @@ void RunningChild::drainUntilExit(const Interrupt& interrupt) {
             {.fd = deadline ? -1 : interrupt.descriptor(), .events = POLLIN, .revents = 0},
         }};
         int timeout = deadline && !killed ? millisecondsUntil(*deadline) : -1;
-        // Without a descriptor for the exit it has to be asked for.
+        // Without a descriptor to watch, waitid has to be polled.
         if (!exited && !exit.isOpen()) timeout = askingInterval;
         if (poll(watched.data(), watched.size(), timeout) == -1) continue;
 
@@ -148,7 +149,7 @@ void RunningChild::drainUntilExit(const Interrupt& interrupt) {
 }
 
 void RunningChild::signalGroup(int signal) const {
-    // The child is not reaped yet, so the number is still its own.
+    // The child is not reaped yet, so its process ID cannot have been reused.
     kill(-process_, signal);
 }
 
@@ -164,7 +165,7 @@ ChildProcess::run(const Interrupt& interrupt) const {
     const auto process = launch(*this, output->writeEnd.get(), error->writeEnd.get());
     if (!process) return std::unexpected(process.error());
 
-    // The outputs are at their end once the child has closed them, so none may stay with us.
+    // The pipes reach end of file only once our copies of the write ends are closed.
     output->writeEnd.close();
     error->writeEnd.close();
     RunningChild child(*process, std::move(output->readEnd), std::move(error->readEnd), patience);

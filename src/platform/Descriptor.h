@@ -22,7 +22,7 @@ public:
     [[nodiscard]] int get() const { return number_; }
     [[nodiscard]] bool isOpen() const { return number_ != -1; }
 
-    /// Hands it over to the caller, who closes it.
+    /// Passes ownership to the caller, who must close it.
     [[nodiscard]] int release() { return std::exchange(number_, -1); }
 
     void close() {

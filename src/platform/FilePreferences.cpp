@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 namespace json = boost::json;
 
-// What the file really is, however many symbolic links lead there, also if it does not exist yet.
+// Follows symbolic links, at most 40, to the final path, which need not exist.
 std::expected<fs::path, std::error_code> followedLinks(fs::path file) {
     constexpr int limit = 40;
     for (int links = 0; links < limit; ++links) {
@@ -31,7 +31,7 @@ std::expected<fs::path, std::error_code> followedLinks(fs::path file) {
     return std::unexpected(std::make_error_code(std::errc::too_many_symbolic_link_levels));
 }
 
-// Nothing where the text is not one JSON object.
+// Returns nullopt if the text is not one JSON object.
 std::optional<json::object> parsedObject(const std::string& text) {
     boost::system::error_code error;
     json::value parsed = json::parse(text, error);
@@ -39,7 +39,7 @@ std::optional<json::object> parsedObject(const std::string& text) {
     return std::move(parsed.get_object());
 }
 
-// Nothing where it is of another shape.
+// Returns nullopt if the value is neither a string nor an object of strings.
 std::optional<Preferences::Entry> toEntry(const json::value& value) {
     if (value.is_string()) return std::string(value.get_string());
     auto record = json::try_value_to<Preferences::Record>(value);
@@ -75,7 +75,7 @@ void apply(const Preferences::Changes& changes, json::object& dictionary) {
     }
 }
 
-// The first of the names beside a file that is free.
+// The first unused name among FILE.broken, FILE.broken.2 and so on.
 std::expected<fs::path, std::error_code> freeNameBeside(const fs::path& file) {
     for (int number = 1;; ++number) {
         fs::path broken = file;
@@ -87,7 +87,7 @@ std::expected<fs::path, std::error_code> freeNameBeside(const fs::path& file) {
     }
 }
 
-// Keeps what is to be replaced, or leaves everything as it was.
+// Renames the broken file to keep it; on failure renames it back.
 std::error_code replaceBrokenFile(const fs::path& file, const std::string& text) {
     const auto broken = freeNameBeside(file);
     if (!broken) return broken.error();

@@ -7,25 +7,25 @@
 
 namespace brevane {
 
-/// Preferences in one JSON file, readable by its owner alone. A file that holds something else, or
-/// something else where a dictionary belongs, is kept beside as "preferences.json.broken" before it
-/// is replaced, or as "preferences.json.broken.2" and so on. One process only.
+/// Preferences in one JSON file with mode 0600. If the file is not a JSON object, or holds
+/// something else where a dictionary belongs, `update` first renames it to
+/// "preferences.json.broken", or "preferences.json.broken.2" and so on. One process only.
 class FilePreferences final : public Preferences {
 public:
-    /// The user's own file: brevane/preferences.json in $XDG_CONFIG_HOME, which where unset, empty
-    /// or relative is .config in the home directory (XDG Base Directory Specification 0.8).
+    /// brevane/preferences.json in $XDG_CONFIG_HOME, or in .config of the home directory if that is
+    /// unset, empty or relative (XDG Base Directory Specification 0.8).
     [[nodiscard]] static std::filesystem::path defaultFile();
 
-    /// Touches nothing yet. The file may be a symbolic link: what it points to is replaced then.
+    /// Does not access the file yet. If it is a symbolic link, `update` replaces the link's target.
     explicit FilePreferences(std::filesystem::path file);
 
-    /// Anything but a regular file cannot be read: std::errc::operation_not_supported, or
-    /// std::errc::is_a_directory.
+    /// Returns std::errc::is_a_directory for a folder, std::errc::operation_not_supported for
+    /// anything else that is not a regular file.
     [[nodiscard]] std::expected<Dictionary, std::error_code>
     dictionary(const std::string& key) const override;
 
-    /// Written to a temporary file beside, flushed to disk and renamed over the old one. Makes the
-    /// folder if it is missing.
+    /// Writes a temporary file next to the old one, flushes it to disk and renames it over the old
+    /// one. Creates missing folders.
     [[nodiscard]] std::error_code
     update(const std::map<std::string, Changes>& dictionaries) override;
 

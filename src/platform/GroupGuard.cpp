@@ -17,10 +17,10 @@ namespace brevane {
 
 namespace {
 
-// Runs in the forked process, with every signal blocked; only what is safe in a signal handler is
-// called, since another thread may have held any lock.
+// Runs in the forked child with all signals blocked. Only async-signal-safe calls: another thread
+// may have held any lock at the fork.
 [[noreturn]] void watchOver(pid_t group, pid_t parent) {
-    // Whatever ends the parent's process group or terminal must not end this one with it.
+    // A signal to the parent's process group, or from its terminal, must not end this process.
     setsid();
     prctl(PR_SET_NAME, "brevane-guard");
     prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -28,7 +28,7 @@ namespace {
     sigset_t death;
     sigemptyset(&death);
     sigaddset(&death, SIGTERM);
-    // Others may send the signal too.
+    // SIGTERM may also come from elsewhere.
     while (getppid() == parent)
         sigwaitinfo(&death, nullptr);
     kill(-group, SIGKILL);

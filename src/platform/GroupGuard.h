@@ -5,21 +5,21 @@
 
 namespace brevane {
 
-/// Kills a process group of children when the calling thread ends before this does, also with the
-/// whole process and by SIGKILL: a child that the shell has forked does not get the signal that the
-/// shell gets at its parent's death. Used and destroyed on one thread. It is a process of its own
-/// for as long as it lives, without which (none left, or not on Linux) nothing is guarded.
+/// Sends SIGKILL to a process group if our process ends, even by SIGKILL, before this object is
+/// destroyed: PR_SET_PDEATHSIG reaches the shell but not what the shell has forked. Create and
+/// destroy on the same thread. Implemented as a forked process; if the fork fails, and outside
+/// Linux, nothing is guarded.
 class GroupGuard {
 public:
-    /// `group` must not be reaped before this is destroyed, since its number could then be another
-    /// one's.
+    /// The leader of `group` must not be reaped before this is destroyed, since its process ID
+    /// could then be reused.
     explicit GroupGuard(pid_t group);
     ~GroupGuard();
     GroupGuard(const GroupGuard&) = delete;
     GroupGuard& operator=(const GroupGuard&) = delete;
 
 private:
-    [[maybe_unused]] pid_t process_ = -1; ///< on Linux alone
+    [[maybe_unused]] pid_t process_ = -1; ///< Linux only
 };
 
 } // namespace brevane

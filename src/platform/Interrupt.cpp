@@ -14,7 +14,7 @@ Interrupt::Interrupt() {
     auto opened = Pipe::open();
     if (!opened) throw std::system_error(opened.error(), "Interrupt");
     pipe_ = std::move(*opened);
-    // Raised very often it must not block on a full pipe, which is readable anyway.
+    // raise() must not block on a full pipe, which is readable anyway.
     fcntl(pipe_.writeEnd.get(), F_SETFL, O_NONBLOCK);
 }
 

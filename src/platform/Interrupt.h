@@ -8,16 +8,17 @@ namespace brevane {
 /// Asks a running child process to end, from any thread. Once raised it stays raised.
 class Interrupt {
 public:
-    /// Throws std::system_error where the process has no descriptor left.
+    /// Throws std::system_error if no descriptor is left.
     Interrupt();
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
     /// Ends the child that runs with this interrupt, and every later one as soon as it starts:
-    /// SIGTERM to its process group, SIGKILL a second later. Any thread.
+    /// SIGTERM to its process group after the child's `patience`, SIGKILL a second later. Any
+    /// thread.
     void raise();
 
-    /// A descriptor that is readable from the raising on. Not to be read from.
+    /// A descriptor that polls as readable once raised. Do not read from it.
     [[nodiscard]] int descriptor() const { return pipe_.readEnd.get(); }
 
 private:

@@ -11,13 +11,14 @@
 
 namespace brevane {
 
-/// Starts the child that `description` describes, with these descriptors as its standard output and
-/// standard error, and returns its number. It is the caller's to reap. Any thread; on Linux the
-/// child is killed when that thread ends, also with the whole process.
+/// Starts the child with these descriptors as its standard output and standard error, and returns
+/// its process ID. The caller must reap it. Any thread; on Linux the child gets SIGKILL when that
+/// thread, or the whole process, ends.
 [[nodiscard]] std::expected<pid_t, std::error_code> launch(const ChildProcess& description,
                                                            int standardOutput, int standardError);
 
-/// The texts as C has them, null-terminated. exec and posix_spawn do not change them.
+/// A null-terminated array of pointers into `texts`, for exec and posix_spawn, which do not modify
+/// them.
 [[nodiscard]] inline std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<char*> pointers;
     pointers.reserve(texts.size() + 1);

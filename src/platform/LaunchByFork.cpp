@@ -18,15 +18,15 @@ namespace brevane {
 
 namespace {
 
-// All that the child needs between fork and exec, made before. There it may only call what is safe
-// in a signal handler, since another thread may have held any lock when it was forked.
+// Everything that the child needs between fork and exec, prepared before the fork: the child may
+// only make async-signal-safe calls, since another thread may have held any lock at the fork.
 struct Plan {
     const char* executable;
     char* const* arguments;
     char* const* environment;
     int standardOutput;
     int standardError;
-    int failure; // where to write errno if exec fails
+    int failure; // where the child writes errno if exec fails
     pid_t parent;
 };
 
@@ -36,7 +36,7 @@ struct Plan {
     _exit(127);
 }
 
-// Where one of our own standard descriptors is closed, a pipe may have taken its number.
+// If one of our own standard descriptors is closed, a pipe may have taken its number.
 int aboveStandard(int descriptor) {
     return descriptor > STDERR_FILENO ? descriptor
                                       : fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
@@ -51,7 +51,7 @@ int aboveStandard(int descriptor) {
 
     setsid();
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    // It may have died before that.
+    // The parent may have died before the prctl.
     if (getppid() != plan.parent) _exit(127);
 
     const int input = open("/dev/null", O_RDONLY);
@@ -60,7 +60,7 @@ int aboveStandard(int descriptor) {
         giveUp(failure);
     constexpr int last = STDERR_FILENO + 1;
     if (failure != last && dup3(failure, last, O_CLOEXEC) == -1) giveUp(failure);
-    // Libraries may have opened some that exec would hand on.
+    // Libraries may have opened descriptors without O_CLOEXEC.
     closefrom(last + 1);
 
     for (int signal = 1; signal < NSIG; ++signal) {
@@ -75,7 +75,7 @@ int aboveStandard(int descriptor) {
     giveUp(last);
 }
 
-// The errno that the child has written, or 0 where exec has closed its end of the pipe.
+// Returns the errno written by the child, or 0 if exec has closed its end of the pipe.
 int awaitExec(const Descriptor& failure) {
     int error = 0;
     while (read(failure.get(), &error, sizeof error) == -1 && errno == EINTR) {

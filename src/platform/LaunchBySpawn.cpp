@@ -11,14 +11,14 @@ namespace brevane {
 
 namespace {
 
-// What the child does with its descriptors before it starts.
+// Connects the standard descriptors of the child.
 struct FileActions {
     FileActions() { posix_spawn_file_actions_init(&actions); }
     ~FileActions() { posix_spawn_file_actions_destroy(&actions); }
     FileActions(const FileActions&) = delete;
     FileActions& operator=(const FileActions&) = delete;
 
-    // The number of an error, or 0.
+    // Returns an error number, or 0.
     int connect(int standardOutput, int standardError) {
         for (const int error : {
                  posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0),
@@ -39,7 +39,7 @@ struct Attributes {
     Attributes(const Attributes&) = delete;
     Attributes& operator=(const Attributes&) = delete;
 
-    // The number of an error, or 0.
+    // Returns an error number, or 0.
     int isolate() {
         sigset_t none;
         sigset_t all;

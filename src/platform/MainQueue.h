@@ -11,12 +11,12 @@ class MainQueue {
 public:
     virtual ~MainQueue() = default;
 
-    /// Runs `task` later on the main thread, never before returning, in the order of posting. Any
-    /// thread, the main thread included. After the event loop has ended the task is dropped.
+    /// Runs `task` on the main thread, in posting order, never before this returns. Any thread,
+    /// including the main thread. Drops the task if the event loop has ended.
     virtual void post(std::function<void()> task) = 0;
 
-    /// Runs `task` on the main thread once `delay` has passed. Main thread only. After the event
-    /// loop has ended the task does not run.
+    /// Runs `task` on the main thread after `delay`, unless the event loop has ended by then. Main
+    /// thread only.
     virtual void postAfter(std::chrono::milliseconds delay, std::function<void()> task) = 0;
 };
 

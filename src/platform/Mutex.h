@@ -4,20 +4,20 @@
 #include <condition_variable>
 #include <mutex>
 
-// What clang checks with -Wthread-safety; other compilers see nothing of it.
+// Attributes for clang's -Wthread-safety; empty for other compilers.
 #ifdef __clang__
 #define BREVANE_THREAD_SAFETY(attribute) __attribute__((attribute))
 #else
 #define BREVANE_THREAD_SAFETY(attribute)
 #endif
-/// A member that is touched only while `mutex` is held.
+/// A member that may be accessed only while `mutex` is held.
 #define GUARDED_BY(mutex) BREVANE_THREAD_SAFETY(guarded_by(mutex))
-/// A function that is called only while `mutex` is held.
+/// A function that may be called only while `mutex` is held.
 #define REQUIRES(mutex) BREVANE_THREAD_SAFETY(requires_capability(mutex))
 
 namespace brevane {
 
-/// std::mutex with a name that clang's analysis knows.
+/// std::mutex as a capability of clang's analysis.
 class BREVANE_THREAD_SAFETY(capability("mutex")) Mutex {
 public:
     Mutex() = default;
@@ -32,7 +32,7 @@ private:
     std::mutex mutex_;
 };
 
-/// Holds a mutex to the end of the scope.
+/// Holds a mutex until the end of the scope.
 class BREVANE_THREAD_SAFETY(scoped_lockable) MutexLock {
 public:
     explicit MutexLock(Mutex& mutex) BREVANE_THREAD_SAFETY(acquire_capability(mutex))
@@ -55,7 +55,7 @@ public:
         condition_.wait(lock);
         lock.release();
     }
-    /// Whether it was notified before the time was over; a wait may also end for no reason.
+    /// Returns false if `time` has passed without a notification. May also wake up spuriously.
     template <class Duration>
     bool waitFor(Mutex& mutex, Duration time) REQUIRES(mutex) {
         std::unique_lock lock(mutex.mutex_, std::adopt_lock);

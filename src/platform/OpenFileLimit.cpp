@@ -15,7 +15,7 @@ namespace {
 
 rlimit inherited;
 
-// Runs in the forked process, where only what is safe in a signal handler may be called.
+// Runs in the forked child, so only async-signal-safe calls are allowed.
 void restore() {
     setrlimit(RLIMIT_NOFILE, &inherited);
 }
@@ -27,7 +27,7 @@ std::size_t raiseOpenFileLimit() {
     rlimit raised = inherited;
     raised.rlim_cur = raised.rlim_max;
 #ifdef __APPLE__
-    // setrlimit refuses more, although it calls the hard limit infinite.
+    // setrlimit refuses more, although getrlimit reports an infinite hard limit.
     raised.rlim_cur = std::min<rlim_t>(raised.rlim_cur, OPEN_MAX);
 #endif
     if (setrlimit(RLIMIT_NOFILE, &raised) != 0) return inherited.rlim_cur;

@@ -25,7 +25,7 @@ std::string standardizedPath(std::string_view path) {
 }
 
 std::string standardizedPath(std::string_view folder, std::string_view path) {
-    std::string standardized; // without the final slash, so that "/" is empty
+    std::string standardized; // without a trailing slash, so "/" is empty
     standardized.reserve(folder.size() + path.size() + 1);
     if (folder != "/") standardized = folder;
     while (!path.empty()) {

@@ -6,26 +6,26 @@
 
 namespace brevane {
 
-// Paths as text, in the way of RFC 3986, section 5.2.4: the disk is never touched and symbolic
-// links are never followed. A path is bytes; slashes at its end do not count as a component.
+// Lexical operations on paths, as in RFC 3986, section 5.2.4: no file is accessed and no symbolic
+// link is followed. A path is a sequence of bytes; trailing slashes are not a component.
 
-/// The absolute path with "." and ".." resolved, repeated and final slashes removed; ".." at "/"
-/// stays there. A relative path starts at the current folder. "/" is the only result that ends in
-/// a slash.
+/// The absolute path with "." and ".." resolved and repeated and trailing slashes removed; ".." at
+/// "/" stays there. A relative path is resolved against the current folder. "/" is the only result
+/// that ends in a slash.
 [[nodiscard]] std::string standardizedPath(std::string_view path);
 
-/// The same of "FOLDER/PATH", for a folder whose path is standardized.
+/// The same for "FOLDER/PATH"; `folder` must be standardized.
 [[nodiscard]] std::string standardizedPath(std::string_view folder, std::string_view path);
 
-/// The last component: "b" of "/a/b" and of "/a/b/"; "/" of "/"; empty of the empty path.
+/// The last component: "b" for "/a/b" and "/a/b/", "/" for "/", empty for the empty path.
 [[nodiscard]] std::string_view lastPathComponent(std::string_view path);
 
-/// The path without its last component: "/a" of "/a/b" and "/a/b/"; "/" of "/a" and "/"; the empty
-/// path, that is the current folder, of "b".
+/// The path without its last component: "/a" for "/a/b" and "/a/b/", "/" for "/a" and "/", empty
+/// (the current folder) for "b".
 [[nodiscard]] std::string_view parentFolder(std::string_view path);
 
-/// The text after the last dot of the last component: empty where there is no dot or nothing after
-/// it. The extension of ".html" is "html".
+/// The text after the last dot of the last component, empty if there is no dot or nothing after it.
+/// The extension of ".html" is "html".
 [[nodiscard]] std::string_view pathExtension(std::string_view path);
 
 } // namespace brevane

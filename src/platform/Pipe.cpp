@@ -12,7 +12,8 @@ namespace {
 
 int openPipe(int (&ends)[2]) {
 #ifdef __APPLE__
-    // There is no pipe2, but also no child of ours that inherits what it is not given.
+    // macOS has no pipe2, but POSIX_SPAWN_CLOEXEC_DEFAULT keeps these from our children in any
+    // case.
     if (pipe(ends) == -1) return -1;
     for (const int end : ends)
         fcntl(end, F_SETFD, FD_CLOEXEC);

@@ -8,12 +8,12 @@
 
 namespace brevane {
 
-/// The two ends of a pipe that no child process inherits.
+/// The two ends of a close-on-exec pipe.
 struct Pipe {
     Descriptor readEnd;
     Descriptor writeEnd;
 
-    /// A new pipe, or the error of the operating system.
+    /// Opens a new pipe, or returns the operating system's error.
     [[nodiscard]] static std::expected<Pipe, std::error_code> open();
 };
 

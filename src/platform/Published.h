@@ -7,8 +7,8 @@
 
 namespace brevane {
 
-/// A property that tells its observers of each assignment before the new value takes effect,
-/// equal values included. One thread only.
+/// A property that notifies its observers before each assignment takes effect, even of an equal
+/// value. One thread only.
 template <class Value>
 class Published {
 public:

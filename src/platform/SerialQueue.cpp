@@ -20,7 +20,7 @@ namespace {
 void nameThisThread(const std::string& label) {
 #ifdef __APPLE__
     pthread_setname_np(label.c_str());
-    // What runs here is what the user waits for.
+    // The user is waiting for these tasks.
     pthread_set_qos_class_self_np(QOS_CLASS_USER_INITIATED, 0);
 #else
     pthread_setname_np(pthread_self(), label.substr(0, 15).c_str());
@@ -29,8 +29,7 @@ void nameThisThread(const std::string& label) {
 
 } // namespace
 
-// The thread holds it too, so that it stays whole when the queue is destroyed from one of its
-// tasks.
+// Shared with the thread, so that it survives if one of the tasks destroys the queue.
 struct SerialQueue::Worker {
     boost::asio::io_context context{1};
     boost::asio::executor_work_guard<boost::asio::io_context::executor_type> idle{

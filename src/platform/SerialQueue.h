@@ -7,15 +7,15 @@
 
 namespace brevane {
 
-/// A thread that runs tasks one at a time, in the order of posting.
+/// A thread that runs tasks one at a time, in posting order.
 class SerialQueue {
 public:
-    /// Starts the thread; `label` names it for debuggers (15 bytes of it on Linux).
+    /// Starts the thread; `label` names it for debuggers (truncated to 15 bytes on Linux).
     explicit SerialQueue(const std::string& label);
 
-    /// Lets the running task end, drops those that wait and joins the thread. On the queue's own
-    /// thread (a task held the last reference to the owner) it cannot join: the thread ends by
-    /// itself after that task.
+    /// Waits for the running task, drops the queued ones and joins the thread. On the queue's own
+    /// thread (a task held the last reference to the owner) it detaches the thread instead, which
+    /// ends after that task.
     ~SerialQueue();
 
     SerialQueue(const SerialQueue&) = delete;

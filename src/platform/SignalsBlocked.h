@@ -5,8 +5,8 @@
 
 namespace brevane {
 
-/// Keeps every signal from the calling thread for as long as it lives. A process forked meanwhile
-/// starts with all of them blocked, so that no handler of ours runs there.
+/// Blocks all signals on the calling thread for its lifetime. A child forked meanwhile inherits the
+/// mask, so that none of our handlers runs there.
 class SignalsBlocked {
 public:
     SignalsBlocked() {

@@ -9,15 +9,15 @@ namespace brevane {
 
 namespace {
 
-// Line breaks first: white space without them is the rest.
+// Line breaks come first; `whitespace` is the rest.
 constexpr std::array<std::string_view, 25> whitespaceAndNewlines{
     "\n",     "\v",     "\f",     "\r",     "\u0085", "\u2028", "\u2029", //
     " ",      "\t",     "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
     "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
 constexpr auto whitespace = std::span(whitespaceAndNewlines).subspan<7>();
 
-// No encoded character is the end of another one, nor of bytes that are not UTF-8, so that ends
-// can be compared as bytes.
+// UTF-8 is self-synchronising: a match of bytes at either end is always a match of whole
+// characters.
 std::string_view trimmed(std::string_view text, std::span<const std::string_view> characters) {
     const auto startsText = [&text](std::string_view character) {
         return text.starts_with(character);
@@ -36,7 +36,7 @@ unsigned char byteAt(std::string_view bytes, std::size_t index) {
     return static_cast<unsigned char>(bytes[index]);
 }
 
-// Length of the well-formed sequence at the front (RFC 3629, section 4), 0 where there is none.
+// Length of the well-formed sequence at the front (RFC 3629, section 4), 0 if there is none.
 std::size_t sequenceLength(std::string_view bytes) {
     const unsigned char first = byteAt(bytes, 0);
     if (first < 0x80) return 1;

@@ -12,8 +12,8 @@ std::optional<std::int64_t> explicitPort(std::string_view url) {
     const auto parsed = boost::urls::parse_uri_reference({url.data(), url.size()});
     if (!parsed || !parsed->has_port()) return {};
 
-    // Boost.URL 1.81 ends the port at its last digit and takes what follows for a path, whereas a
-    // path behind an authority starts with a slash (RFC 3986, section 3.3).
+    // Boost.URL 1.81 ends the port at its last digit and parses the rest as a path, but a path
+    // after an authority must start with a slash (RFC 3986, section 3.3).
     const auto path = parsed->encoded_path();
     if (!path.empty() && path.front() != '/') return {};
 

@@ -7,8 +7,9 @@
 
 namespace brevane {
 
-/// The port that a URL (RFC 3986) names explicitly: 3000 of "http://127.0.0.1:3000/api", none of
-/// "http://localhost/", of "localhost:3000" (a scheme and a path), and of what is not a URL.
+/// The explicit port of a URL (RFC 3986): 3000 for "http://127.0.0.1:3000/api"; nullopt for
+/// "http://localhost/", for "localhost:3000" (a scheme and a path) and for anything that is not a
+/// URL.
 [[nodiscard]] std::optional<std::int64_t> explicitPort(std::string_view url);
 
 } // namespace brevane

@@ -12,7 +12,7 @@ namespace brevane {
 
 namespace {
 
-// Empty where the database does not know the user, or cannot be asked.
+// Empty if the database does not know the user or cannot be read.
 std::string askDatabase() {
     std::vector<char> buffer(1024);
     while (true) {

@@ -5,9 +5,9 @@
 
 namespace brevane {
 
-/// The home directory of the user that runs the program, as the user database says; $HOME is not
-/// asked. "/" where the database does not know the user. The first answer is kept, since asking
-/// takes a descriptor, and later there may be none. Any thread.
+/// The home directory of the current user in the user database; $HOME is ignored. "/" if the
+/// database does not know the user. A directory once found is cached, since a look-up takes a
+/// descriptor and later none may be left. Any thread.
 [[nodiscard]] std::string homeDirectory();
 
 } // namespace brevane

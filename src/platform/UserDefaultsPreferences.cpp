@@ -23,14 +23,14 @@ struct Release {
 template <class Reference>
 using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Release>;
 
-// None where the text is not UTF-8.
+// Null if the text is not UTF-8.
 Owned<CFStringRef> makeString(std::string_view text) {
     return Owned<CFStringRef>(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
                                 static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
 }
 
-// The object as what it is asked to be, or null where it is of another type.
+// Checked casts: null if the object has another type.
 CFStringRef asString(CFTypeRef object) {
     return object != nullptr && CFGetTypeID(object) == CFStringGetTypeID()
                ? static_cast<CFStringRef>(object)
@@ -48,7 +48,7 @@ std::optional<std::string> text(CFTypeRef object) {
     if (string == nullptr) return {};
     const CFRange all = CFRangeMake(0, CFStringGetLength(string));
     CFIndex size = 0;
-    // A half of a surrogate pair has no UTF-8.
+    // A lone surrogate cannot be encoded as UTF-8.
     if (CFStringGetBytes(string, all, kCFStringEncodingUTF8, 0, false, nullptr, 0, &size) !=
         all.length)
         return {};
@@ -58,8 +58,8 @@ std::optional<std::string> text(CFTypeRef object) {
     return bytes;
 }
 
-// The members of a dictionary that `convert` understands; nothing if there are others, unless those
-// may be left out.
+// The members of a dictionary that `convert` accepts. Others are skipped if `leavesOut` is set,
+// otherwise the result is nullopt.
 template <class Map, class Convert>
 std::optional<Map> mapOf(CFDictionaryRef dictionary, bool leavesOut, Convert convert) {
     const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
@@ -79,7 +79,7 @@ std::optional<Map> mapOf(CFDictionaryRef dictionary, bool leavesOut, Convert con
     return map;
 }
 
-// Nothing where it is of another shape.
+// Returns nullopt if the object is neither a string nor a dictionary of strings.
 std::optional<Preferences::Entry> toEntry(CFTypeRef object) {
     if (auto content = text(object)) return std::move(*content);
     const CFDictionaryRef dictionary = asDictionary(object);
@@ -94,7 +94,7 @@ Owned<CFMutableDictionaryRef> makeDictionary() {
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
 }
 
-// None where a text is not UTF-8.
+// Null if a text is not UTF-8.
 Owned<CFTypeRef> makeEntry(const Preferences::Entry& entry) {
     if (const auto* const content = std::get_if<std::string>(&entry))
         return Owned<CFTypeRef>(makeString(*content).release());
@@ -123,7 +123,7 @@ void keepBroken(const std::string& key, CFPropertyListRef value) {
     }
 }
 
-// None where a text is not UTF-8.
+// Null if a text is not UTF-8.
 Owned<CFMutableDictionaryRef> changed(CFDictionaryRef before, const Preferences::Changes& changes) {
     auto dictionary = before == nullptr
                           ? makeDictionary()
@@ -155,7 +155,7 @@ UserDefaultsPreferences::dictionary(const std::string& key) const {
 
 std::error_code
 UserDefaultsPreferences::update(const std::map<std::string, Changes>& dictionaries) {
-    // All of them are made before the first is stored.
+    // Builds all of them before storing the first.
     struct Stored {
         std::string key;
         Owned<CFStringRef> name;

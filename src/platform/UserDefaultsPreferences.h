@@ -5,9 +5,8 @@
 
 namespace brevane {
 
-/// Preferences in the user defaults of macOS, under the application's own identifier. Something
-/// else where a dictionary belongs is kept under the key with ".broken" added before it is
-/// replaced, or with ".broken.2" and so on.
+/// Preferences in the macOS user defaults, under the application's own identifier. A value that is
+/// not a dictionary where one belongs is first copied to KEY.broken, or KEY.broken.2 and so on.
 class UserDefaultsPreferences final : public Preferences {
 public:
     [[nodiscard]] std::expected<Dictionary, std::error_code>

@@ -30,7 +30,7 @@ std::error_code makeFolder(const fs::path& folder) {
 }
 
 std::error_code writeToDisk(const fs::path& file, std::string_view bytes) {
-    // One that was left behind has the mode that it had, and may be something else than a file.
+    // A leftover file keeps its old mode, and may not be a regular file.
     if (unlink(file.c_str()) == -1 && errno != ENOENT) return lastSystemError();
     const Descriptor output(
         open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, ownersFile));
@@ -48,7 +48,7 @@ std::error_code writeToDisk(const fs::path& file, std::string_view bytes) {
 } // namespace
 
 std::expected<std::string, std::error_code> readWholeFile(const fs::path& file) {
-    // Opening a pipe waits for its writer otherwise.
+    // Without O_NONBLOCK, opening a FIFO blocks until it has a writer.
     const Descriptor input(open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!input.isOpen()) return std::unexpected(lastSystemError());
     struct stat status {};
@@ -80,7 +80,7 @@ std::error_code replaceWholeFile(const fs::path& file, std::string_view bytes) {
         return error;
     }
 
-    // The new name lasts once the folder is on disk. Some file systems cannot be asked for that.
+    // Makes the rename durable. Errors are ignored, since some file systems do not support this.
     const Descriptor entries(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (entries.isOpen()) fsync(entries.get());
     return {};

@@ -9,15 +9,15 @@
 
 namespace brevane {
 
-/// All bytes of a regular file, or the error of the operating system. Anything else is not waited
-/// for: std::errc::is_a_directory or std::errc::operation_not_supported.
+/// Reads a regular file, or returns the operating system's error. For anything else it returns
+/// std::errc::is_a_directory or std::errc::operation_not_supported without blocking.
 [[nodiscard]] std::expected<std::string, std::error_code>
 readWholeFile(const std::filesystem::path& file);
 
-/// Replaces a file, or makes it, as one that its owner alone can read. The bytes go to FILE.new,
-/// are flushed to disk and renamed over the file, so that at any instant it holds all of the old
-/// bytes or all of the new ones. The folder is made, for its owner alone, if it is missing. Returns
-/// the error of the operating system; the file is as it was then.
+/// Creates or replaces a file with mode 0600. Writes the bytes to FILE.new, flushes them to disk
+/// and renames it over the file, which thus holds all of the old bytes or all of the new ones at
+/// any instant. Creates missing folders with mode 0700. On failure returns the operating system's
+/// error and leaves the file as it was.
 [[nodiscard]] std::error_code replaceWholeFile(const std::filesystem::path& file,
                                                std::string_view bytes);
 
