@@ -21,13 +21,12 @@ namespace {
 
 using boost::asio::ip::tcp;
 
-constexpr int backlog = 4096; // The system lowers it to its own limit.
+constexpr int backlog = 4096; // The system caps it.
 constexpr auto pauseTime = std::chrono::milliseconds(50);
-// The connections that a thread accepts until it looks at what else has come.
+// Connections that a thread accepts before it returns to the event loop.
 constexpr int turnLimit = 64;
 
-// A socket for calls that do not wait, which no child process gets; none, and errno, where there is
-// none.
+// Non-blocking sockets that no child process inherits. On failure, a closed Descriptor and errno.
 #ifdef __linux__
 Descriptor openSocket(int family) {
     return Descriptor(::socket(family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
@@ -37,7 +36,7 @@ Descriptor acceptFrom(int listening) {
     return Descriptor(::accept4(listening, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
 }
 #else
-// Children get nothing either way: they are spawned with POSIX_SPAWN_CLOEXEC_DEFAULT.
+// Children inherit none of these in any case: they are spawned with POSIX_SPAWN_CLOEXEC_DEFAULT.
 Descriptor prepared(Descriptor socket) {
     if (!socket.isOpen()) return socket;
     const int on = 1;
@@ -62,10 +61,10 @@ void setOption(const Descriptor& socket, int level, int name, int value) {
 
 enum class Trouble { none, passing, shortage, fatal };
 
-// What accept(2) may report, sorted by what helps.
+// Classifies the errors of accept(2) by what to do about them.
 Trouble troubleOf(int error) {
     switch (error) {
-    case EAGAIN: // The client has gone.
+    case EAGAIN: // Another thread was faster, or the client has gone.
     case ECONNABORTED:
     case EINTR:
         return Trouble::passing;
@@ -75,7 +74,7 @@ Trouble troubleOf(int error) {
     case EOPNOTSUPP:
         return Trouble::fatal;
     default:
-        return Trouble::shortage; // of descriptors or memory, or the network's own
+        return Trouble::shortage; // of descriptors or memory, or a network error
     }
 }
 
@@ -105,8 +104,7 @@ std::error_code Acceptor::listenOn(const tcp::endpoint& address) {
     if (address.protocol() == tcp::v6()) setOption(opened, IPPROTO_IPV6, IPV6_V6ONLY, 0);
     setOption(opened, SOL_SOCKET, SO_REUSEADDR, 1);
 #ifdef __linux__
-    // A connection is only seen with its request, which nobody has to wait for then; or after so
-    // many seconds.
+    // accept(2) returns a connection only once its request has arrived, or after 5 seconds.
     setOption(opened, IPPROTO_TCP, TCP_DEFER_ACCEPT, 5);
 #endif
     if (::bind(opened.get(), address.data(), static_cast<socklen_t>(address.size())) != 0 ||
@@ -142,7 +140,8 @@ void Acceptor::wait() {
 }
 
 void Acceptor::accept() {
-    // One at a time: another thread takes the next, also where this one hangs in the file system.
+    // One at a time: another thread may accept the next, even while this one is blocked in the file
+    // system.
     for (int taken = 0; taken < turnLimit; ++taken) {
         Descriptor accepted = taken == 0 ? takeFirst() : takeNext();
         if (!accepted.isOpen()) return;
@@ -171,7 +170,7 @@ Descriptor Acceptor::takeFirst() {
 
 Descriptor Acceptor::takeNext() {
     const MutexLock lock(mutex_);
-    // What stands in the way of it is for the next turn to see to, which is waited for already.
+    // Errors are left to the next turn, which takeFirst() has already scheduled.
     if (!socket_.is_open() || full_) return {};
     Descriptor accepted = acceptFrom(socket_.native_handle());
     full_ = accepted.isOpen() && !threads_.connections().makeRoomFor(accepted);
@@ -184,7 +183,7 @@ bool Acceptor::hasRoom() {
 }
 
 void Acceptor::pause() {
-    // The connection stays acceptable, so that waiting for it would spin.
+    // The connection stays acceptable, so waiting for readability would spin.
     pauseTimer_.expires_after(pauseTime);
     pauseTimer_.async_wait([self = shared_from_this()](boost::system::error_code error) {
         if (!error) self->accept();

@@ -18,21 +18,21 @@
 
 namespace brevane {
 
-/// Accepts the connections of one server; the thread that accepts one serves it.
+/// Accepts the connections of one server; the thread that accepts a connection begins to serve it.
 class Acceptor : public std::enable_shared_from_this<Acceptor> {
 public:
-    /// `isRunning` is cleared when the socket closes, and not touched afterwards.
+    /// `isRunning` is set to false when the socket closes, and not accessed afterwards.
     Acceptor(std::shared_ptr<const ServedFolder> folder, std::atomic<bool>& isRunning);
 
-    /// Listens on every local address, on IPv4 alone where there is no IPv6. Port 0 takes a free
-    /// one.
+    /// Listens on all local addresses, or on IPv4 only if there is no IPv6. Port 0 selects a free
+    /// port.
     [[nodiscard]] std::error_code listen(std::uint16_t port);
     /// The port listened on.
     [[nodiscard]] std::uint16_t port();
 
-    /// Begins to accept.
+    /// Starts accepting.
     void start();
-    /// Closes the socket; nothing is accepted after that. Any thread.
+    /// Closes the socket; nothing is accepted after this returns. Any thread.
     void stop();
 
 private:
@@ -44,10 +44,10 @@ private:
     [[nodiscard]] std::error_code listenOn(const boost::asio::ip::tcp::endpoint& address)
         REQUIRES(mutex_);
     void accept();
-    // The first connection of a turn. Another thread can take the next from then on.
+    // Accepts the first connection of a turn. Then another thread may accept the next.
     Descriptor takeFirst();
     Descriptor takeNext();
-    // Whether a connection more leaves enough descriptors to the rest of the program.
+    // Whether one more connection leaves enough descriptors for the rest of the program.
     [[nodiscard]] bool hasRoom() REQUIRES(mutex_);
     void wait() REQUIRES(mutex_);
     void pause() REQUIRES(mutex_);
@@ -59,7 +59,7 @@ private:
     Mutex mutex_;
     Socket socket_ GUARDED_BY(mutex_);
     Timer pauseTimer_ GUARDED_BY(mutex_);
-    bool full_ GUARDED_BY(mutex_) = false; // The last one left too few descriptors.
+    bool full_ GUARDED_BY(mutex_) = false; // The last connection left too few descriptors.
 };
 
 } // namespace brevane

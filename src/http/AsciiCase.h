@@ -6,7 +6,7 @@
 
 namespace brevane {
 
-/// Whether the text is `lowerCase`, its letters A to Z taken for a to z, whatever the locale.
+/// ASCII case-insensitive comparison, independent of the locale; `lowerCase` must be lower case.
 [[nodiscard]] inline bool equalsIgnoringCase(std::string_view text, std::string_view lowerCase) {
     return std::ranges::equal(text, lowerCase, {}, [](char letter) {
         return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;

@@ -22,7 +22,7 @@ namespace brevane {
 namespace {
 
 #ifdef MSG_MORE
-// Data and the end that follows it then leave together.
+// MSG_MORE makes the data leave together with the FIN that follows it.
 constexpr int sendFlags = MSG_NOSIGNAL | MSG_MORE;
 #else
 constexpr int sendFlags = 0; // SO_NOSIGPIPE is set on the socket.
@@ -35,10 +35,10 @@ ClientSocket::Count countOf(ssize_t result) {
 }
 
 iovec vectorOf(std::string_view bytes) {
-    return {const_cast<char*>(bytes.data()), bytes.size()}; // sendmsg does not write to it.
+    return {const_cast<char*>(bytes.data()), bytes.size()}; // sendmsg does not modify it.
 }
 
-// As sendfile(2) of Linux; the systems' calls of that name have little else in common.
+// sendfile(2) with the result of the Linux call; the macOS one has another signature.
 ssize_t sendFile(int socket, int file, std::size_t offset, std::size_t length) {
     auto position = static_cast<off_t>(offset);
 #ifdef __APPLE__
@@ -50,7 +50,7 @@ ssize_t sendFile(int socket, int file, std::size_t offset, std::size_t length) {
 #endif
 }
 
-// Whether it is the file that sendfile cannot send, as some do whose content is made up.
+// Whether sendfile does not support the file, as with some whose content is generated on reading.
 bool cannotSendFile(int error) {
     return error == EINVAL || error == ENOSYS || error == ENOTSUP;
 }
@@ -76,7 +76,7 @@ ClientSocket::Client ClientSocket::client() const {
 #ifdef __linux__
     constexpr short ended = POLLRDHUP;
 #else
-    constexpr short ended = 0; // Only reading tells.
+    constexpr short ended = 0; // Only recv detects it.
 #endif
     pollfd state{.fd = socket_.get(), .events = ended, .revents = 0};
     if (::poll(&state, 1, 0) <= 0) return Client::there;
@@ -130,7 +130,7 @@ bool ClientSocket::watch(Executor executor) {
     unwatch();
     watched_.emplace(executor);
     boost::system::error_code error;
-    // Which of the two protocols it is makes no difference to waiting.
+    // The protocol makes no difference to waiting.
     watched_->assign(boost::asio::ip::tcp::v6(), socket_.get(), error);
     if (error) watched_.reset();
     return !error;

@@ -17,21 +17,22 @@
 
 namespace brevane {
 
-/// A connection that was accepted, on plain calls that never wait. The event loop learns of it only
-/// when there is something to wait for, which most requests never do. Dropping it closes it.
+/// An accepted connection, used through non-blocking system calls. It is registered with an event
+/// loop only when there is something to wait for, which most requests never need. The destructor
+/// closes it.
 class ClientSocket {
 public:
     /// Why a call did nothing.
     enum class Pause {
-        notReady, ///< it would have had to wait
+        notReady, ///< it would have blocked, or was interrupted
         failed    ///< the connection is broken
     };
     using Count = std::expected<std::size_t, Pause>;
 
-    /// What can be known of a client without sending it anything.
+    /// What is known about a client without sending to it.
     enum class Client {
         there,
-        ended, ///< it sends nothing more, and may have gone or not
+        ended, ///< it has closed its sending half, and may be gone
         gone   ///< the connection is broken
     };
 
@@ -40,29 +41,30 @@ public:
     ClientSocket(const ClientSocket&) = delete;
     ClientSocket& operator=(const ClientSocket&) = delete;
 
-    /// Receives what is there, 0 bytes at the end.
+    /// Receives what has arrived; 0 bytes at end of stream.
     [[nodiscard]] Count receive(std::span<char> buffer);
-    /// Whether bytes have arrived that were not received.
+    /// Whether unread bytes have arrived.
     [[nodiscard]] bool hasUnread() const;
     [[nodiscard]] Client client() const;
 
-    /// Sends as much as fits. What is sent may be held back until more follows, or the end.
+    /// Sends as much as the send buffer takes. The kernel may hold back a partial segment until
+    /// more data or the end follows.
     [[nodiscard]] Count send(std::string_view first, std::string_view second = {});
-    /// Sends as much as fits of these bytes of a file, 0 where the file ends before them.
+    /// Sends as much of these bytes of a file as the send buffer takes; 0 if the file ends before
+    /// `offset`.
     [[nodiscard]] Count send(const LargeFile& file, std::size_t offset, std::size_t length);
-    /// Lets the kernel keep no more than a little of what the client is not ready for. It would
-    /// take megabytes, of a memory that all connections of the machine share.
+    /// Limits what the kernel queues for a slow client (TCP_NOTSENT_LOWAT); otherwise it would
+    /// queue megabytes, in memory that all connections of the machine share.
     void limitUnsent();
-    /// Holds back an end of a file that fills no segment until the end of sending, to leave with
-    /// it.
+    /// Holds back a partial last segment (TCP_CORK) to send it together with the FIN. Linux only.
     void holdEnd();
-    /// Tells the client that nothing follows.
+    /// Shuts down the sending half.
     void endSending();
-    /// Makes closing tell the client that the response is broken.
+    /// Makes closing send RST, so that the client notices that the response is broken.
     void breakOnClose();
 
-    /// Calls `next` on the executor once there is something to receive; never where the connection
-    /// is dropped before. False where that cannot be waited for.
+    /// Calls `next` on the executor once there is something to receive, or never if the connection
+    /// is destroyed first. Returns false if that cannot be waited for.
     template <class Next>
     [[nodiscard]] bool whenReadable(Executor executor, Next next) {
         return wait(executor, Watched::wait_read, std::move(next));
@@ -88,7 +90,7 @@ private:
     void unwatch();
 
     Descriptor socket_;
-    std::optional<Watched> watched_; // the same socket, known to an event loop
+    std::optional<Watched> watched_; // the same socket, registered with an event loop
 };
 
 } // namespace brevane

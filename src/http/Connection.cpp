@@ -14,18 +14,18 @@ namespace brevane {
 
 namespace {
 
-// A large file goes out in turns, so that it never holds up other connections for long.
+// A large file is sent in turns, so that it never delays other connections for long.
 constexpr std::size_t turnSize = 256 * 1024;
-// What a loader brings of a large file before others have their turn.
+// Bytes of a large file that a loader reads before other tasks have their turn.
 constexpr std::size_t loadSize = 16 * 1024 * 1024;
-// Read between two looks at whether the client is still there.
+// Bytes read between two checks that the client is still there.
 constexpr std::size_t bringSize = 1024 * 1024;
 
 constexpr std::size_t drainLimit = 128 * 1024 * 1024;
 constexpr auto drainTime = std::chrono::seconds(10);
 
-// Powers of two, as the limit of all heads is one: a head that comes near it has been copied for
-// the last time at half of it, and never lies in memory twice.
+// Powers of two, as is the limit on all heads: a head near the limit was last reallocated at half
+// of it, so it is never in memory twice.
 void reserveFor(std::string& head, std::size_t size) {
     head.reserve(std::bit_ceil(size));
 }
@@ -62,7 +62,7 @@ void Connection::take(std::string_view bytes) {
         return onceReadable(threads_.handlers(), &Connection::receive);
     }
     moreFollows_ = !*request || (*request)->moreFollows;
-    std::string().swap(bytes_); // An assignment would keep the memory.
+    std::string().swap(bytes_); // An assignment would keep the capacity.
     if (*request) {
         request_ = std::move(**request);
         return answer();
@@ -113,7 +113,7 @@ void Connection::begin(Response& response) {
 void Connection::beginLargeFile(std::string_view head, bool headOnly) {
     bytes_ = head;
     headOnly_ = headOnly;
-    // A look at a file of this size is quicker than the way to a loader and back.
+    // For a file of this size, checking the cache is faster than going through a loader.
     const bool isReady = file_->size() <= loadSize && threads_.visit(*folder_->loaders, [&] {
         return file_->isCached(0, file_->size());
     });
@@ -165,7 +165,7 @@ void Connection::send() {
     if (count == std::unexpected(ClientSocket::Pause::failed)) return close();
     sent_ += count.value_or(0);
     if (sent_ < bytes_.size()) {
-        moreFollows_ = true; // The client has time enough to send something.
+        moreFollows_ = true; // The client may send something meanwhile.
         return onceWritable(threads_.senders(), &Connection::send);
     }
     std::string().swap(bytes_);
@@ -175,7 +175,7 @@ void Connection::send() {
 }
 
 void Connection::nextTurn() {
-    // The cache of a slow folder may have to be asked for, too.
+    // In a slow folder even checking the cache may block.
     if (folder_->loaders->isSlow())
         onLoader(Loaders::Order::look, &Connection::sendTurn);
     else
@@ -191,10 +191,10 @@ void Connection::sendTurn() {
     });
     if (!isCached) return onLoader(Loaders::Order::load, &Connection::bringTurn);
     if (count == 0U || count == std::unexpected(ClientSocket::Pause::failed))
-        return close(); // The file was cut short, or the client has gone.
+        return close(); // The file was truncated, or the client has gone.
 
     fileDone_ += count.value_or(0);
-    // No cut can come between the bytes of one call.
+    // A file sent by a single call cannot have been truncated halfway.
     if (fileDone_ == file_->size()) return count == fileDone_ ? finish() : endFile();
     moreFollows_ = true;
     if (count == length)
@@ -213,7 +213,7 @@ void Connection::bringTurn() {
 
 void Connection::endFile() {
     if (file_->isCutShort()) {
-        // What the cut has cleared may be under way.
+        // Bytes zeroed by the truncation may already be queued.
         socket_.breakOnClose();
         return close();
     }
@@ -222,8 +222,8 @@ void Connection::endFile() {
 }
 
 void Connection::finish() {
-    // Closing with bytes unread or on their way resets the connection, and most clients would lose
-    // the response: they are read first, within limits.
+    // Closing with bytes unread or on their way sends RST, which makes most clients lose the
+    // response. So they are read first, within limits.
     if (!moreFollows_ && !socket_.hasUnread()) return close();
     socket_.endSending();
     drainTimer_.emplace(threads_.senders(), drainTime);

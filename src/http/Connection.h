@@ -18,13 +18,13 @@
 
 namespace brevane {
 
-/// One request and its one response, one step at a time. While it waits for the next step the
-/// server's Connections keep it; it closes when nothing keeps it any more.
+/// One request and its one response, one step at a time. Between steps it is owned by Connections;
+/// it closes with its last reference.
 class Connection : public std::enable_shared_from_this<Connection> {
 public:
     Connection(Descriptor accepted, std::shared_ptr<const ServedFolder> folder);
 
-    /// Reads what has arrived, and goes on from there.
+    /// Reads what has arrived and processes it.
     void receive();
 
     [[nodiscard]] Connections::Place& place() { return place_; }
@@ -53,13 +53,13 @@ private:
     void finish();
     void drain();
 
-    // How the next step comes; each closes the connection where it cannot come.
+    // Schedule the next step, or close the connection if that fails.
     void onceReadable(Executor executor, Step step);
     void onceWritable(Executor executor, Step step);
     void onSender(Step step);
     void onLoader(Loaders::Order order, Step step);
     void close();
-    // `step` of this connection, if it still exists then.
+    // Runs `step` if this connection still exists by then, and closes it if the step throws.
     auto later(Step step) {
         return [connection = weak_from_this(), step] {
             const auto self = connection.lock();
@@ -77,14 +77,14 @@ private:
     ServerThreads& threads_;
     ClientSocket socket_;
     Connections::Place place_;
-    bool moreFollows_ = true;         // The client sends more than its request.
-    bool headOnly_ = false;           // The file is only looked at.
-    bool isTurnBrought_ = false;      // The next turn's bytes were in the cache just now.
+    bool moreFollows_ = true;         // The client may send more than its request.
+    bool headOnly_ = false;           // The file is loaded, but not sent.
+    bool isTurnBrought_ = false;      // The next turn's bytes were in the cache a moment ago.
     RequestHead request_;             // until it is answered
-    std::string bytes_;               // of an unfinished request, later of the response
-    std::size_t sent_ = 0;            // of these
-    std::unique_ptr<LargeFile> file_; // follows them
-    std::size_t fileDone_ = 0;        // loaded, later sent
+    std::string bytes_;               // an unfinished request head, later the response
+    std::size_t sent_ = 0;            // sent so far of bytes_
+    std::unique_ptr<LargeFile> file_; // to be sent after bytes_
+    std::size_t fileDone_ = 0;        // bytes of the file loaded, later sent
     std::size_t dropped_ = 0;
     std::optional<Timer> drainTimer_;
 };

@@ -15,11 +15,11 @@ namespace {
 constexpr std::size_t headBytesLimit = 256 * 1024 * 1024;
 
 constexpr rlim_t reserved = 128;
-// Below this limit there is nothing to set aside, and descriptors simply run out.
+// Below this limit none are reserved, and descriptors simply run out.
 constexpr rlim_t smallestLimit = 64;
 
-// The first descriptor of those left to the rest of the program. Since the system gives away the
-// lowest one that is free, a lower number says that there are enough.
+// The lowest descriptor reserved for the rest of the program. The system allocates the lowest free
+// number, so a lower one means that enough are left.
 int firstReserved() {
     rlimit limit{};
     if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur < smallestLimit ||
@@ -77,7 +77,8 @@ Connections::List Connections::take(List::iterator kept) {
 bool Connections::closeStalest() {
     List closed;
     const MutexLock lock(mutex_);
-    // One that is at work gets on just now, and would not go at once.
+    // A connection with a second owner is running a step: it is not stale, and would not close at
+    // once.
     const auto stalest = std::ranges::find_if(
         kept_, [](const Place::Kept& one) { return one.connection.use_count() == 1; });
     if (stalest == kept_.end()) return false;

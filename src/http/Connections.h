@@ -12,12 +12,13 @@ namespace brevane {
 
 class Connection;
 
-/// Keeps the connections that wait for something, and closes some where all of them together would
-/// take what others need: of the descriptors some are left to the rest of the program, and heads
-/// that have no end yet are bounded.
+/// Owns the connections that wait for something, and closes some when together they would use too
+/// much: some descriptors are reserved for the rest of the program, and the memory for unfinished
+/// request heads is limited.
 class Connections {
 public:
-    /// Whether a connection is kept. Belongs to the connection and is for Connections alone.
+    /// A connection's state in Connections, stored in the connection and accessed by Connections
+    /// only.
     class Place {
         friend class Connections;
         struct Kept {
@@ -33,29 +34,30 @@ public:
     Connections(const Connections&) = delete;
     Connections& operator=(const Connections&) = delete;
 
-    /// Keeps the connection alive as the one that has got on last; `headBytes` are those of its
-    /// unfinished head. False where it was closed meanwhile, or is now, and must end. Any thread.
+    /// Keeps the connection alive and marks it as the most recently active; `headBytes` is the size
+    /// of its unfinished head. Returns false if the connection has been closed, maybe by this call,
+    /// and must end. Any thread.
     [[nodiscard]] bool keep(const std::shared_ptr<Connection>& connection,
                             std::size_t headBytes = 0);
-    /// Lets a connection go. Any thread.
+    /// Releases a connection. Any thread.
     void close(Connection& connection);
-    /// Lets all go, and keeps none any more. Any thread.
+    /// Releases all connections; keep() fails from then on. Any thread.
     void closeAll();
 
-    /// Moves the descriptor out of those that are left to the rest of the program, by closing the
-    /// connections that have not got on for the longest time. False where there are none. Any
-    /// thread.
+    /// Moves the descriptor below the reserved numbers by closing the connections that have been
+    /// inactive for longest. Returns false if there are none. Any thread.
     [[nodiscard]] bool makeRoomFor(Descriptor& descriptor);
 
 private:
     using List = std::list<Place::Kept>;
 
-    // The rest of a list of one, dropped without the mutex: a connection's end takes others.
+    // Removes a connection and returns it in a list, to be destroyed without the mutex: a
+    // connection's destructor takes other locks.
     [[nodiscard]] List take(List::iterator kept) REQUIRES(mutex_);
     [[nodiscard]] bool closeStalest();
 
     Mutex mutex_;
-    List kept_ GUARDED_BY(mutex_); // the one that has got on last is last
+    List kept_ GUARDED_BY(mutex_); // least recently active first
     std::size_t headBytes_ GUARDED_BY(mutex_) = 0;
     bool ended_ GUARDED_BY(mutex_) = false;
 };

@@ -64,10 +64,10 @@ bool isHidden([[maybe_unused]] DIR* folder, const dirent& entry) {
     return entry.d_name[0] == '.';
 }
 
-// From so many on, one byte of the key after the other sorts faster than comparing does.
+// From this many names on, a radix sort of the keys is faster than comparing.
 constexpr std::size_t manyNames = 256;
 
-// The first 8 bytes as a number; numbers compare as the bytes do.
+// The first 8 bytes as a big-endian number, which compares as the bytes do.
 std::uint64_t keyOf(std::string_view name) {
     std::uint64_t key = 0;
     std::memcpy(&key, name.data(), std::min(name.size(), sizeof key));
@@ -83,7 +83,7 @@ void FolderListing::Names::add(std::string_view name) {
 
 void FolderListing::Names::sort() {
     if (records_.empty()) return;
-    // What follows the start that all names share tells more of them apart.
+    // The bytes after the common prefix distinguish more of the names.
     std::string_view shared = nameOf(records_.front());
     for (const Record& record : records_) {
         const std::string_view name = nameOf(record);
@@ -135,7 +135,7 @@ FolderListing::FolderListing(const std::string& path, std::string_view urlPath)
     while (const dirent* const entry = ::readdir(folder.get()))
         if (!isHidden(folder.get(), *entry))
             (isFolder(folder.get(), *entry) ? folders_ : files_).add(entry->d_name);
-    // Bytes of UTF-8 sort as the characters that they encode.
+    // UTF-8 sorts bytewise in code-point order.
     folders_.sort();
     files_.sort();
 }

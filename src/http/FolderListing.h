@@ -9,28 +9,29 @@
 
 namespace brevane {
 
-/// A generated HTML page of what is in a folder, hidden entries left out: folders, then all else,
-/// each by name in code-point order. A symbolic link is no folder. A folder that cannot be read
-/// gives a page without entries. All names stand as they are.
+/// A generated HTML page that lists a folder without its hidden entries: folders, then everything
+/// else, each in code-point order of the names. A symbolic link is not a folder. A folder that
+/// cannot be read results in a page without entries. Names are not escaped.
 class FolderListing {
 public:
-    /// Reads the folder at `path`. `urlPath` is its path as asked for; it must outlive the page.
+    /// Reads the folder at `path`. `urlPath` is the path that was requested; it must outlive this
+    /// object.
     FolderListing(const std::string& path, std::string_view urlPath);
 
     [[nodiscard]] std::size_t size() const;
-    /// Writes the page, `size` bytes, from `next` on.
+    /// Writes the page, size() bytes, to `next`.
     void write(char* next) const;
 
 private:
-    // Many names, which all lie in one piece of memory.
+    // Names, stored in one contiguous buffer.
     class Names {
     public:
         void add(std::string_view name);
-        // Puts the names in the order of their bytes.
+        // Sorts the names bytewise.
         void sort();
 
         [[nodiscard]] std::size_t size() const { return records_.size(); }
-        // The length of all names together.
+        // The total length of all names.
         [[nodiscard]] std::size_t byteCount() const { return bytes_.size(); }
         [[nodiscard]] std::string_view operator[](std::size_t index) const {
             return nameOf(records_[index]);
@@ -38,11 +39,11 @@ private:
 
     private:
         struct Record {
-            std::uint64_t key; // orders most names faster than their bytes do
+            std::uint64_t key; // decides most comparisons without the bytes
             std::size_t offset;
             std::size_t length;
         };
-        // Leaves names with one key as they stood.
+        // Stable.
         void sortByKey();
         [[nodiscard]] std::string_view nameOf(const Record& record) const {
             return {bytes_.data() + record.offset, record.length};

@@ -27,7 +27,7 @@ namespace {
 const std::size_t pageSize = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
 
 #ifdef __linux__
-// cachestat(2), which Linux has since 6.5 and C libraries have later.
+// cachestat(2): in Linux since 6.5, in C libraries only later.
 constexpr long cachestatCall = 451;
 struct CacheRange {
     std::uint64_t offset;
@@ -41,7 +41,8 @@ struct CacheState {
     std::uint64_t recentlyEvicted;
 };
 
-// One byte of each page, without waiting. mincore(2) takes all pages of others' files for cached.
+// Reads one byte of each page without blocking. mincore(2) reports all pages of other users' files
+// as cached.
 bool canReadAllPages(int file, std::size_t offset, std::size_t end) {
     for (; offset < end; offset = (offset / pageSize + 1) * pageSize) {
         char byte = 0;
@@ -55,7 +56,8 @@ bool isRangeCached(int file, std::size_t offset, std::size_t length) {
     const CacheRange range{.offset = offset, .length = length};
     CacheState state{};
     const std::size_t pages = (offset + length - 1) / pageSize - offset / pageSize + 1;
-    // Fails on older kernels, and on newer ones for files of others that this process cannot write.
+    // Fails on older kernels, and on newer ones for other users' files that this process cannot
+    // write.
     if (::syscall(cachestatCall, file, &range, &state, 0) == 0) return state.cached >= pages;
     return canReadAllPages(file, offset, offset + length);
 }

@@ -8,28 +8,28 @@
 
 namespace brevane {
 
-/// A regular file that the kernel sends from its cache, where all of it is to be before its first
-/// byte goes out.
+/// A regular file that sendfile(2) sends from the page cache, into which all of it is read before
+/// its first byte is sent.
 class LargeFile {
 public:
     LargeFile(Descriptor openFile, std::size_t byteCount)
         : file_(std::move(openFile)), size_(byteCount) {}
 
     [[nodiscard]] int descriptor() const { return file_.get(); }
-    /// How many bytes it had when it was opened.
+    /// Its size in bytes when it was opened.
     [[nodiscard]] std::size_t size() const { return size_; }
 
-    /// Whether the kernel's cache holds these bytes. Also false where that cannot be known without
-    /// waiting for the disk.
+    /// Whether the page cache holds these bytes; false if that cannot be known without blocking on
+    /// the disk.
     [[nodiscard]] bool isCached(std::size_t offset, std::size_t length) const;
-    /// Brings these bytes into the cache, and waits for the disk. False where they cannot be read
-    /// or the file was cut short.
+    /// Reads these bytes into the page cache, blocking on the disk. Returns false if they cannot be
+    /// read or the file was truncated.
     [[nodiscard]] bool bring(std::size_t offset, std::size_t length) const;
-    /// Whether it has fewer bytes than when it was opened. The kernel clears what a cut leaves of a
-    /// page, also of one that it is still sending.
+    /// Whether the file was truncated since it was opened. The kernel zeroes the rest of the last
+    /// page, even if it is still sending that page.
     [[nodiscard]] bool isCutShort() const;
 
-    /// Exchanges the descriptor for the same file's.
+    /// For exchanging the descriptor for a duplicate of it.
     [[nodiscard]] Descriptor& ownDescriptor() { return file_; }
 
 private:

@@ -34,7 +34,7 @@ void Loaders::post(Order order, std::function<void()> task) {
     if (threads_.launch([self = shared_from_this()] { self->run(); })) return;
     const MutexLock lock(mutex_);
     --running_;
-    if (running_ > 0) return; // They come to it in the end.
+    if (running_ > 0) return; // The running ones get to it.
     for (auto& tasks : tasks_)
         tasks.clear();
 }
@@ -90,9 +90,9 @@ void Loaders::runNext() {
     mutex_.unlock();
     try {
         task();
-        task = nullptr; // may close a connection
+        task = nullptr; // may close a connection, for which the mutex must be free
     } catch (const std::bad_alloc&) {
-        // The connection that asked for too much memory was closed; the others are served on.
+        // The connection that ran out of memory was closed; the others are still served.
     }
     mutex_.lock();
 

@@ -16,31 +16,32 @@ namespace brevane {
 
 class ServerThreads;
 
-/// The threads of one served folder that may wait for its disk, so that a folder that hangs holds
-/// up no other: at most `limit` of them, started when there is work, ended when there has been none
-/// for a while.
+/// The threads of one served folder that may block on its disk, so that a folder that hangs delays
+/// no other: at most `limit` of them, started on demand, each ending when it has been idle for a
+/// while.
 class Loaders : public std::enable_shared_from_this<Loaders> {
 public:
     static constexpr std::size_t limit = 8;
 
-    /// What is done first: requests that a slow folder leaves to its loaders, pieces of large files
-    /// for clients that wait, pieces for those that have ended their half and may have gone.
+    /// Priorities, highest first: requests to a slow folder, pieces of large files for clients that
+    /// are waiting, pieces for clients that have closed their sending half and may be gone.
     enum class Order { look, load, last };
 
     explicit Loaders(ServerThreads& threads);
     Loaders(const Loaders&) = delete;
     Loaders& operator=(const Loaders&) = delete;
 
-    /// Runs `task` on a loader; drops it where there is none. Any thread.
+    /// Queues `task` for a loader; drops it if there is none and none can be started, or after
+    /// end(). Any thread.
     void post(Order order, std::function<void()> task);
 
-    /// Whether looks at this folder belong on its loaders: one has hung, and since then not all
-    /// were quick. Any thread.
+    /// Whether this folder may only be accessed on its loaders: an access has hung, and in the last
+    /// two seconds one was slow. Any thread.
     [[nodiscard]] bool isSlow() { return slow_ && isStillSlow(); }
-    /// A look at the folder hangs. Any thread.
+    /// Records that an access to the folder hangs. Any thread.
     void markSlow();
 
-    /// Lets the threads end. Any thread.
+    /// Ends each thread after its current task. Any thread.
     void end();
 
 private:
@@ -60,7 +61,7 @@ private:
     std::size_t running_ GUARDED_BY(mutex_) = 0;
     std::size_t waiting_ GUARDED_BY(mutex_) = 0;
     bool ended_ GUARDED_BY(mutex_) = false;
-    std::list<Clock::time_point> looks_ GUARDED_BY(mutex_); // when those under way began
+    std::list<Clock::time_point> looks_ GUARDED_BY(mutex_); // start times of those in progress
     Clock::time_point lastSlow_ GUARDED_BY(mutex_);
 };
 

@@ -37,7 +37,7 @@ sockaddr_in6 ipv6Loopback(std::uint16_t port) {
     return address;
 }
 
-// Whether something accepts connections there. One whose queue is full does not answer.
+// Whether something accepts connections there. No answer counts as yes: the backlog may be full.
 template <class Address>
 bool answers(int family, const Address& address) {
     constexpr int milliseconds = 50;
@@ -54,7 +54,7 @@ bool answers(int family, const Address& address) {
     return ::getsockopt(client.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
 }
 
-// Without address reuse the system passes over what is taken on any address.
+// Without SO_REUSEADDR the system skips ports that are taken on any address.
 std::expected<std::uint16_t, std::error_code> freePort() {
     const Descriptor probe = probeSocket(AF_INET);
     sockaddr_in address = ipv4Loopback(0);

@@ -5,8 +5,8 @@
 
 namespace brevane {
 
-/// The media type (RFC 9110, section 8.3.1) that goes with the path's extension, upper and lower
-/// case alike; "application/octet-stream" for every extension that is not known.
+/// The media type (RFC 9110, section 8.3.1) for the path's extension, compared case-insensitively;
+/// "application/octet-stream" for unknown extensions.
 [[nodiscard]] std::string_view mimeType(std::string_view path);
 
 } // namespace brevane

@@ -7,9 +7,9 @@
 
 namespace brevane {
 
-/// Where the path of a request leads: below `root`, an absolute path without "." and "..", with the
-/// same resolved on the text, whatever symbolic links there are. Nothing where the result does not
-/// begin with the text of `root`; a sibling folder whose name begins like the root's passes.
+/// Maps the path of a request below `root`, a standardized path, resolving "." and ".." lexically,
+/// without regard to symbolic links. Returns nullopt if the result does not begin with the text of
+/// `root`; a sibling folder whose name begins with the root's name passes.
 [[nodiscard]] std::optional<std::string> resolvedPath(std::string_view root,
                                                       std::string_view requestPath);
 
@@ -18,8 +18,8 @@ namespace brevane {
 
 enum class PathKind { nothing, file, folder, other };
 
-/// What there is at the path, symbolic links followed. A path that cannot be examined has nothing,
-/// and so has one with a NUL in it.
+/// What exists at the path, following symbolic links: nothing if stat(2) fails or the path contains
+/// a NUL.
 [[nodiscard]] PathKind kindOf(const std::string& path);
 
 } // namespace brevane

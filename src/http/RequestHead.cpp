@@ -26,7 +26,8 @@ bool isField(std::string_view line, std::string_view name) {
            equalsIgnoringCase(line.substr(0, name.size()), name);
 }
 
-// Whether a body is framed (RFC 9112, section 6). `head` ends with the line end of its last line.
+// Whether the head announces a body (RFC 9112, section 6). It must end with the CRLF of its last
+// line.
 bool announcesBody(std::string_view head) {
     for (auto end = head.find(endOfLine); end != head.npos; end = head.find(endOfLine)) {
         head.remove_prefix(end + endOfLine.size());
@@ -47,7 +48,7 @@ std::string percentDecoded(std::string_view target) {
 
 std::optional<std::expected<RequestHead, Status>> parseRequestHead(std::string_view received,
                                                                    std::size_t searched) {
-    // The blank line may have begun within its last three bytes.
+    // The blank line may begin in the last three bytes searched.
     const std::size_t end =
         received.find(blankLine, searched - std::min(searched, blankLine.size() - 1));
     if (end == received.npos) return std::nullopt;

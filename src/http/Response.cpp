@@ -43,13 +43,13 @@ std::string_view reasonFor(Status status) {
     return "Error";
 }
 
-// Some file systems make a file's content up as it is read, and a few of those files never end.
+// Some file systems generate the content of a file as it is read, and a few such files never end.
 constexpr std::size_t madeUpSizeLimit = 64 * 1024 * 1024;
 
-// Up to this size copying a file takes no longer than handing it to the kernel.
+// Up to this size, copying a file is no slower than sendfile.
 constexpr std::size_t copiedSize = 16 * 1024;
 
-// Fills the buffer, or as much of it as there is. Nothing where reading fails.
+// Reads until the buffer is full or the file ends. Returns nullopt if reading fails.
 std::optional<std::size_t> readInto(std::span<char> buffer, int file) {
     std::size_t filled = 0;
     while (filled < buffer.size()) {
@@ -62,7 +62,7 @@ std::optional<std::size_t> readInto(std::span<char> buffer, int file) {
     return filled;
 }
 
-// The content of a file that has `size` bytes, in the thread's buffer. Nothing where reading fails.
+// Reads a file of `size` bytes into the thread's buffer. Returns nullopt if reading fails.
 std::optional<std::string_view> readSmallFile(int file, std::size_t size) {
     const std::span<char> buffer = fileBuffer().first(size);
     const auto filled = readInto(buffer, file);
@@ -70,7 +70,8 @@ std::optional<std::string_view> readSmallFile(int file, std::size_t size) {
     return std::string_view(buffer.data(), *filled);
 }
 
-// The content of a file whose size is said to be 0, to its end. Nothing where reading fails.
+// Reads a file of reported size 0 to its end. Returns nullopt if reading fails or there is more
+// than the limit.
 std::optional<std::string> readMadeUpFile(int file) {
     const std::span<char> buffer = fileBuffer();
     std::string content;
@@ -83,9 +84,9 @@ std::optional<std::string> readMadeUpFile(int file) {
     return std::nullopt;
 }
 
-// A client that is sent there asks another host (URL Standard, section 4.4, "relative slash
-// state"). It takes "\" for "/" and leaves out tabs, and control characters and spaces at the
-// beginning.
+// Whether a redirect there leads to another host (URL Standard, section 4.4, "relative slash
+// state"). Browsers treat "\" as "/" and remove tabs as well as leading control characters and
+// spaces.
 bool leadsToAnotherHost(std::string_view location) {
     int slashes = 0;
     for (const char character : location) {
@@ -111,8 +112,7 @@ Response listingResponse(const std::string& folder, std::string_view urlPath, bo
     return {std::move(head), std::move(own)};
 }
 
-// 301 to the location as it stands, or 400 where it would not stay on its line of the head or would
-// lead to another host.
+// 301 to the unchanged location, or 400 if it would break its header line or lead to another host.
 Response redirectResponse(std::string_view location) {
     if (location.find_first_of("\r\n") != location.npos || leadsToAnotherHost(location))
         return errorResponse(Status::badRequest);
@@ -121,8 +121,8 @@ Response redirectResponse(std::string_view location) {
     return {std::move(head), std::string()};
 }
 
-// Dot segments take back what precedes them, which need not exist: with them a path can say
-// anything and still lead to a folder, whose page would repeat it as markup.
+// ".." cancels the segment before it, which need not exist. So such a path can contain any text and
+// still lead to a folder, whose listing would repeat that text as markup.
 bool mayBringMarkup(std::string_view path) {
     return path.contains('<') && hasDotSegment(path);
 }
@@ -174,7 +174,7 @@ Response errorResponse(Status status) {
 }
 
 Response fileResponse(const std::string& path, bool headOnly) {
-    // Should something else have taken the file's place meanwhile, opening it waits for nobody.
+    // O_NONBLOCK: something else may have replaced the file by now, and opening a FIFO would block.
     Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat found {};
     if (!file.isOpen() || ::fstat(file.get(), &found) != 0 || !S_ISREG(found.st_mode))

@@ -9,13 +9,13 @@ namespace brevane {
 
 class ServerThreads;
 
-/// Owns the threads that all file servers share, from the first server's start on. Outlives every
-/// server.
+/// Owns the threads that all file servers share, which are started with the first server. Must
+/// outlive every server.
 class ServerPool {
 public:
     ServerPool();
-    /// Closes what is still open and ends the threads. One that hangs in a file system is left to
-    /// that, after half a second.
+    /// Closes all connections and ends the threads. Waits at most half a second for those that hang
+    /// in a file system.
     ~ServerPool();
     ServerPool(const ServerPool&) = delete;
     ServerPool& operator=(const ServerPool&) = delete;
@@ -23,11 +23,11 @@ public:
 private:
     friend class FileHTTPServer;
 
-    // Throws the operating system's error where it has no thread or descriptor left. Any thread.
+    // Throws the operating system's error if no thread or descriptor is left. Any thread.
     [[nodiscard]] ServerThreads& start();
 
     Mutex mutex_;
-    std::shared_ptr<ServerThreads> threads_ GUARDED_BY(mutex_); // those that hang hold it too
+    std::shared_ptr<ServerThreads> threads_ GUARDED_BY(mutex_); // shared with the threads
 };
 
 } // namespace brevane

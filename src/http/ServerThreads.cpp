@@ -25,17 +25,17 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// A visit that lasts from one look of the watch to the next hangs.
+// Time between two checks by the watch. A visit that lasts from one to the next hangs.
 constexpr auto watchTime = std::chrono::milliseconds(50);
-// Looks without a visit until the watch sleeps.
+// Checks without a visit before the watch sleeps.
 constexpr int quietLooks = 20;
-// What a thread may take to end that does not hang.
+// How long end() waits for threads to end.
 constexpr auto endTime = std::chrono::milliseconds(500);
 
 // Ends the thread that it is thrown on.
 struct SurplusThread {};
 
-// Sending a file to a client that has gone raises it, and has no flag against that.
+// sendfile raises SIGPIPE if the client has gone, and has no flag against that.
 void blockSigpipe() {
     sigset_t signals;
     sigemptyset(&signals);
@@ -43,7 +43,7 @@ void blockSigpipe() {
     ::pthread_sigmask(SIG_BLOCK, &signals, nullptr);
 }
 
-// Processors that this process may run on; more threads than these only compete.
+// The processors that this process may run on; more threads would only compete.
 unsigned processors() {
 #ifdef __linux__
     cpu_set_t allowed;
@@ -68,7 +68,7 @@ ServerThreads::Visit::~Visit() {
     if (seat_ == nullptr) return;
     seat_->visits.fetch_add(1, std::memory_order_release);
     if (!seat_->replaced.exchange(false)) return;
-    // There is one thread too many. Which one ends makes no difference.
+    // This thread was replaced, so there is one too many. Any of them may end.
     boost::asio::post(seat_->context, [] { throw SurplusThread(); });
 }
 
@@ -84,8 +84,8 @@ ServerThreads::ServerThreads(unsigned count)
       handlerWork_(handlers_.get_executor()), senderWork_(senders_.get_executor()) {}
 
 void ServerThreads::startAll(unsigned count) {
-    // The event loops take their descriptors now; when the first connection comes, none may be
-    // left.
+    // Makes the event loops open their descriptors now; when the first connection comes, none may
+    // be left.
     using Socket = boost::asio::basic_stream_socket<boost::asio::ip::tcp, Executor>;
     const Socket firstHandled(handlers_);
     const Socket firstSent(senders_);
@@ -109,7 +109,7 @@ bool ServerThreads::launch(std::function<void()> work) {
         ended_.notifyAll();
     };
     try {
-        // Not joined, since it may hang; it holds all that it works with.
+        // Detached, since it may hang; it shares ownership of everything it uses.
         std::thread([held = shared_from_this(), work = std::move(work), ended] {
             blockSigpipe();
             work();
@@ -140,7 +140,7 @@ void ServerThreads::run(Seat& seat) {
         try {
             seat.context.run();
         } catch (const std::bad_alloc&) {
-            // The connection that asked for too much memory was closed; the others are served on.
+            // The connection that ran out of memory was closed; the others are still served.
         } catch (const SurplusThread&) {
             surplus = true;
         }
@@ -163,7 +163,7 @@ void ServerThreads::watch() {
             if (quiet == quietLooks) {
                 quiet = 0;
                 watching_ = false;
-                // A visit that began before this is seen here, a later one wakes the watch.
+                // lookAround() sees a visit that began before this; a later one wakes the watch.
                 if (!lookAround(hanging))
                     while (!watching_ && !ending_)
                         wanted_.wait(mutex_);
@@ -175,7 +175,7 @@ void ServerThreads::watch() {
             quiet = lookAround(hanging) ? 0 : quiet + 1;
         }
         for (boost::asio::io_context* const context : hanging)
-            if (!startThread(*context)) break; // The others go on without it.
+            if (!startThread(*context)) break; // The other threads go on without it.
     }
 }
 

@@ -7,7 +7,7 @@ namespace brevane {
 
 class Acceptor;
 
-/// A server's owner's hold on its listening socket. Dropping it cancels it.
+/// The owner's handle on a server's listening socket. The destructor cancels it.
 class TcpListener {
 public:
     explicit TcpListener(std::shared_ptr<Acceptor> acceptor);
@@ -15,8 +15,8 @@ public:
     TcpListener(const TcpListener&) = delete;
     TcpListener& operator=(const TcpListener&) = delete;
 
-    /// Closes the socket at once and returns when no connection can be accepted any more.
-    /// Responses under way finish. Any thread.
+    /// Closes the socket; no connection is accepted after this returns. Responses in progress
+    /// finish. Any thread.
     void cancel();
 
 private:

@@ -9,8 +9,8 @@ namespace brevane {
 
 namespace {
 
-// Whole pages: the kernel copies 64 kB to a page's start in a third of the time that it takes to
-// where malloc would put them.
+// Page-aligned: the kernel copies 64 kB to the start of a page in a third of the time that it takes
+// with malloc's alignment.
 class PageAligned {
 public:
     explicit PageAligned(std::size_t size)
