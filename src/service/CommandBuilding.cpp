@@ -7,7 +7,7 @@ namespace brevane {
 
 namespace {
 
-// Everything before the target. Only the root needs no mount path; the path is not normalised.
+// Everything before the target. Any mount path but the root is passed on, without normalising it.
 std::string commandHead(std::string_view tailscaleBin, ServeMode mode, std::string_view urlPath,
                         bool background) {
     std::string line(tailscaleBin);
@@ -29,7 +29,7 @@ std::string inSingleQuotes(std::string_view text) {
     std::string quoted = "'";
     for (const char character : text) {
         if (character == '\'')
-            quoted += R"('\'')"; // close the quoted run, an escaped quote, reopen
+            quoted += R"('\'')"; // close the quotes, add an escaped quote, reopen them
         else
             quoted += character;
     }

@@ -10,15 +10,16 @@
 
 namespace brevane {
 
-/// The text as one word for the shell: in single quotes if it holds a space, "(", ")", "&" or a
-/// single quote, else unchanged. Other characters that the shell interprets do not make it quote.
+/// The text as one word for the shell: in single quotes if it contains a space, "(", ")", "&" or a
+/// single quote, otherwise unchanged, even if it contains other characters that the shell
+/// interprets.
 [[nodiscard]] std::string shellQuote(std::string_view text);
 
-/// The text as one word for the shell, in single quotes, whatever it holds.
+/// The text as one word for the shell, always in single quotes.
 [[nodiscard]] std::string inSingleQuotes(std::string_view text);
 
-/// The command line that creates a share whose target the user gave. White space around `source`
-/// is dropped; nothing is validated, and only the payload of a text is quoted for the shell.
+/// The command line that creates a share of what the user entered, trimmed of white space. Nothing
+/// is validated, and only the payload of a text is quoted for the shell.
 [[nodiscard]] std::string buildAddCommand(std::string_view tailscaleBin, ServeMode mode,
                                           SourceType sourceType, std::string_view source,
                                           std::string_view urlPath, bool background);

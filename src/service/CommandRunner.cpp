@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-// NOLINTNEXTLINE(readability-redundant-declaration): not every system's headers have it.
+// NOLINTNEXTLINE(readability-redundant-declaration): not every system's headers declare it.
 extern char** environ;
 
 namespace brevane {
@@ -36,7 +36,7 @@ CommandRunner::CommandRunner(Configuration configuration)
 
 CommandRunner::Result CommandRunner::runShellWithCode(const std::string& commandLine,
                                                       std::chrono::milliseconds patience) const {
-    // It would be given a second to end in, each command anew, and quitting has two in all.
+    // Each further command would have a second to end after SIGTERM, but quitting has two in all.
     if (interrupted_) return {.output = "", .status = -1};
     const ChildProcess shell{.executable = configuration_.shell,
                              .arguments = {"-l", "-c", commandLine},

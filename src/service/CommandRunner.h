@@ -12,32 +12,32 @@
 
 namespace brevane {
 
-/// Runs command lines through the login shell, one after the other. Blocks its caller: used on the
-/// service's background queue only.
+/// Runs command lines through the login shell, one at a time. Blocks; used on the service's
+/// background queue only.
 class CommandRunner {
 public:
     /// What a command printed and how it ended.
     struct Result {
         std::string output;  ///< standard output, then standard error, trimmed at both ends
-        std::int32_t status; ///< exit status; -1 where the shell was not started
+        std::int32_t status; ///< exit status or number of the ending signal; -1 if not started
     };
 
     explicit CommandRunner(Configuration configuration);
 
-    /// How long the command of a background share may go on after an interrupt: it is done in a
-    /// moment, and ended half-way it leaves open what it has made.
+    /// How long the command for a background share may keep running after an interrupt: it only
+    /// takes a moment, and if it is ended halfway, it is not known whether the share exists.
     static constexpr std::chrono::milliseconds backgroundPatience{500};
 
-    /// Runs a command line and waits for it, without a time limit. A stream that is not UTF-8
-    /// counts as empty. After an interrupt the command may go on for as long as `patience`.
+    /// Runs a command line and blocks until it ends, without a time limit. Output that is not UTF-8
+    /// counts as empty, for each stream by itself. After an interrupt the command may keep running
+    /// for `patience`.
     [[nodiscard]] Result runShellWithCode(const std::string& commandLine,
                                           std::chrono::milliseconds patience = {}) const;
 
-    /// The output alone.
+    /// The same, but returns the output only.
     [[nodiscard]] std::string runShell(const std::string& commandLine) const;
 
-    /// Ends the command that runs; later ones are not started any more and have a status of -1. Any
-    /// thread.
+    /// Ends the running command; later ones are not started and return the status -1. Any thread.
     void interrupt();
 
 private:

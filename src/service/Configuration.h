@@ -5,13 +5,13 @@
 
 namespace brevane {
 
-/// What the service runs its commands with.
+/// How the service runs its commands.
 struct Configuration {
-    std::string tailscaleBin; ///< path of the tailscale executable; one plain word to the shell
+    std::string tailscaleBin; ///< path of the tailscale executable; must not need shell quoting
     std::string shell;        ///< path of the login shell that runs every command line
     std::string searchPath;   ///< PATH of every command
 
-    /// The values that the program was built with.
+    /// The values compiled into the program.
     [[nodiscard]] static Configuration compiledIn();
 };
 

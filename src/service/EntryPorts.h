@@ -9,11 +9,12 @@
 
 namespace brevane {
 
-/// The port that stopping this entry names: what follows the last ":" of its host and port, all of
-/// it where there is no ":", and "443" where there is nothing to split.
+/// The port that names this entry when it is stopped: the part of its host and port after the last
+/// ":", ignoring ":" at the end; all of it if there is no ":", and "443" if nothing is left.
 [[nodiscard]] std::string stopPort(const ServeEntry& entry);
 
-/// The port that a proxy entry's target names explicitly; none for every other kind of entry.
+/// The explicit port of a proxy entry's target; nullopt if there is none, and for other kinds of
+/// entry.
 [[nodiscard]] std::optional<std::int64_t> proxiedPort(const ServeEntry& entry);
 
 } // namespace brevane

@@ -13,7 +13,7 @@ namespace brevane {
 
 namespace {
 
-// A signed decimal number and nothing else.
+// A decimal number with an optional sign, and nothing else.
 std::optional<std::int64_t> parsePort(std::string_view text) {
     if (text.starts_with('+')) {
         text.remove_prefix(1);
@@ -75,7 +75,8 @@ bool ManagedServerRecord::claim(std::int64_t port, const Entry& entry, std::chro
         }
         isFree->set_value(entered);
     });
-    // A disk that does not answer is no reason against the share: it is entered once it does.
+    // A disk that does not respond is no reason to reject the share: it is recorded once the disk
+    // responds.
     return answer.wait_for(limit) != std::future_status::ready || answer.get();
 }
 
@@ -112,7 +113,7 @@ std::error_code ManagedServerRecord::readAgain() {
     const auto nodes = preferences_.dictionary(managedServerNodesKey);
     if (!nodes) return nodes.error();
 
-    // The folder of one that is not there may be mounted later.
+    // The record is read again if it is empty: its folder may be mounted later.
     isRead_ = !servers->empty();
     Entries found;
     for (const auto& [name, entry] : *servers) {
@@ -122,7 +123,7 @@ std::error_code ManagedServerRecord::readAgain() {
         const std::string plainName = std::to_string(*port);
         const bool isForgotten = obsolete_.contains(plainName);
         if (name != plainName) obsolete_.insert(name);
-        // What has been entered or taken out meanwhile is newer.
+        // Entries added or removed meanwhile are newer.
         if (isForgotten || entries_.contains(*port)) continue;
         found.insert_or_assign(*port, Entry{.info = *info, .node = nodeUnder(name, *nodes)});
     }

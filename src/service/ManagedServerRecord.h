@@ -17,21 +17,21 @@ namespace brevane {
 
 /// What a managed port serves.
 struct ManagedServerInfo {
-    std::string path; ///< the file or folder as the user entered it, without white space around it
-    bool isDirectory; ///< a folder share; else a file share, served out of the file's folder
+    std::string path; ///< the file or folder as entered, without white space around it
+    bool isDirectory; ///< true for a folder; a file is served from its parent folder
 
     bool operator==(const ManagedServerInfo&) const = default;
 };
 
-/// The record of managed servers in the user's preferences. It is read and written on a thread of
-/// its own, in the order of the calls, so that a slow disk holds up nobody who does not wait for
-/// it. What could not be written stays to be written; a record that could not be read is read again
-/// before anything is written. Its members may be called from any thread.
+/// The record of managed servers in the user's preferences. It is read and written on its own
+/// thread, in the order of the calls, so that a slow disk delays only callers that wait for it. A
+/// write that failed is repeated with the next one; a read that failed is repeated before anything
+/// is written. Members may be called from any thread.
 class ManagedServerRecord {
 public:
     struct Entry {
         ManagedServerInfo info;
-        std::string node; ///< the DNS name that the share was made under; empty if unknown
+        std::string node; ///< the DNS name that the share was created under; empty if unknown
 
         bool operator==(const Entry&) const = default;
     };
@@ -40,31 +40,32 @@ public:
     static constexpr const char* managedServersKey = "TailscaleManagedServers";
     static constexpr const char* managedServerNodesKey = "TailscaleManagedServerNodes";
 
-    /// Reads nothing yet. The preferences are used on the record's thread only and outlive it.
+    /// Does not read yet. `preferences` is used on the record's thread only and must outlive it.
     explicit ManagedServerRecord(Preferences& preferences);
-    /// Writes what is still to be written and waits for that, however long it takes.
+    /// Writes pending changes; blocks until that is done, without a time limit.
     ~ManagedServerRecord();
     ManagedServerRecord(const ManagedServerRecord&) = delete;
     ManagedServerRecord& operator=(const ManagedServerRecord&) = delete;
 
-    /// Reads the record and calls `then`, once, on the record's thread, with what it holds. Where
-    /// it cannot be read, that is after a later try.
+    /// Reads the record and calls `then` with its entries on the record's thread, after a failure
+    /// only once a later attempt succeeds. If the record is empty, it is read again later, and
+    /// `then` is called a second time if it holds entries by then.
     void read(std::function<void(const Entries&)> then);
 
-    /// Enters a share that is about to be made. Waits until it is on disk or could not be written,
-    /// but no longer than `limit`. Returns false, with nothing entered, where the port is another
-    /// share's.
+    /// Adds a share that is about to be created. Blocks until it is on disk or writing has failed,
+    /// at most for `limit`. Returns false, and adds nothing, if the port belongs to another share;
+    /// true if `limit` passes first.
     [[nodiscard]] bool claim(std::int64_t port, const Entry& entry, std::chrono::seconds limit);
 
-    /// Enters the ports of `entries`, takes `removed` out and writes.
+    /// Removes the ports in `removed`, adds or replaces those in `entries`, and writes.
     void change(Entries entries, std::vector<std::int64_t> removed);
 
-    /// Tries again what could not be done before, and calls `then` on the record's thread with the
-    /// error of reading or writing, if there is one still.
+    /// Retries failed reads and writes, and calls `then` on the record's thread with the error that
+    /// remains, if any.
     void save(std::function<void(std::error_code)> then);
 
-    /// Writes what is still to be written, and waits until that and all that was asked for before
-    /// has been done or has failed, but no longer than `limit`. Returns whether it was.
+    /// Writes pending changes. Blocks until that and all earlier calls have succeeded or failed, at
+    /// most for `limit`. Returns false if `limit` passes first.
     bool wait(std::chrono::milliseconds limit);
 
 private:
@@ -72,14 +73,14 @@ private:
     std::error_code write();
 
     Preferences& preferences_;
-    // What follows is used on the thread only.
+    // The members below are used on `thread_` only.
     std::function<void(const Entries&)> then_;
     bool isRead_ = false;
     bool hasAnswered_ = false; ///< `then_` has been called
     bool isWritten_ = true;
     Entries entries_;
-    std::set<std::string> obsolete_; ///< the names of entries to be taken out of the preferences
-    SerialQueue thread_{"record"};   ///< ends before what it uses
+    std::set<std::string> obsolete_; ///< names of entries to remove from the preferences
+    SerialQueue thread_{"record"};   ///< destroyed first, since it uses the members above
 };
 
 } // namespace brevane

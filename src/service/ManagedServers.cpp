@@ -102,7 +102,8 @@ void ManagedServers::reconcile(const std::string& node) {
         const auto& [port, info] = *each;
         std::string& made = nodes_[port];
         if (referenced_.contains(port)) {
-            // The account may have been switched before the share was made, unseen until here.
+            // The account may have been switched before the share was created, unnoticed until this
+            // refresh.
             if (unconfirmed_.erase(port) != 0 || made.empty())
                 hasChanged = std::exchange(made, node) != node || hasChanged;
             ++each;

@@ -15,48 +15,52 @@
 
 namespace brevane {
 
-/// The file servers behind file and folder shares, and what of them is recorded. A share belongs to
-/// the node, named by its DNS name, that it was made under: another account's shares are kept, and
-/// not served, while nothing leads to them. Main thread only, but for the destructor and `stop`.
+/// The file servers behind file and folder shares, and their record. A share belongs to the node,
+/// identified by its DNS name, that it was created under: shares of another account's node are
+/// kept, but are not served while no proxy leads to them. Main thread only, except for the
+/// destructor and `stop`.
 class ManagedServers {
 public:
     using InfoMap = std::map<std::int64_t, ManagedServerInfo>; ///< by local port
 
     ManagedServers(ManagedServerRecord& record, ServerPool& pool,
                    Published<InfoMap>& managedServerInfo);
-    /// Stops every server and leaves the record as it is, so that they come back at the next start.
+    /// Stops every server and leaves the record as it is, so that the next start of the program
+    /// brings them back.
     ~ManagedServers();
     ManagedServers(const ManagedServers&) = delete;
     ManagedServers& operator=(const ManagedServers&) = delete;
 
-    /// Takes in what the record holds, save for ports that are managed already. Starts no server.
+    /// Adds the recorded shares, except for ports that are managed already. Starts no server.
     void loadPersistedManagedServers(const ManagedServerRecord::Entries& recorded);
 
-    /// Takes in a server whose share has just been made, and which is in the record already.
+    /// Adds a server whose share has just been created and is in the record already.
     void registerServer(std::shared_ptr<FileHTTPServer> server, ManagedServerRecord::Entry entry);
 
-    /// Stops the server on this port, if there is one, and forgets the port, unless it is another
-    /// node's. The record is written whether or not there was anything to forget. `node` is this
-    /// node's DNS name, empty if not known.
+    /// Stops the server on this port, if there is one, and removes the port from the record, unless
+    /// it belongs to another node. The record is written even if there was nothing to remove.
+    /// `node` is this node's DNS name, empty if unknown.
     void forget(std::int64_t port, const std::string& node);
 
-    /// Stops every server and forgets all of them that are not another node's.
+    /// Stops every server and removes all from the record that do not belong to another node.
     void killAllManagedServers(const std::string& node);
 
-    /// Where `node` is not empty, the daemon runs under that name, and what no proxy among
-    /// `entries` leads to is stopped, and forgotten if it was made under it. Then starts the
-    /// servers that are missing.
+    /// Notes the ports that proxies among `entries` lead to. If `node`, the name that the daemon
+    /// runs under, is not empty, also stops the servers that no proxy leads to, removes from the
+    /// record those that do not belong to another node, and adds entries back that were removed but
+    /// prove to be another node's. Starts no server.
     void restoreManagedServersIfNeeded(const std::vector<ServeEntry>& entries,
                                        const std::string& node);
 
-    /// Starts the missing servers of the ports that the last restore saw in use. Returns false
-    /// where one could not be started.
+    /// Starts the missing servers of the ports that proxies led to at the last restore. Returns
+    /// false if one could not be started.
     bool startMissingServers();
 
-    /// Stops one server: no request is accepted any more, responses under way finish.
+    /// Stops one server: no connection is accepted after this returns, responses in progress
+    /// finish.
     static void stop(FileHTTPServer& server);
 
-    /// The folder that a server for `info` has as its root.
+    /// The root folder of a server for `info`.
     [[nodiscard]] static std::string rootFolder(const ManagedServerInfo& info);
 
 private:
@@ -70,11 +74,11 @@ private:
     ServerPool& pool_;
     Published<InfoMap>& managedServerInfo_;
     std::map<std::int64_t, std::shared_ptr<FileHTTPServer>> httpServers_;
-    std::map<std::int64_t, std::string> nodes_; ///< the node of each managed port, if it is known
+    std::map<std::int64_t, std::string> nodes_; ///< the node of each managed port, if known
     std::set<std::int64_t> referenced_;  ///< the ports that proxies led to at the last restore
-    std::set<std::int64_t> unconfirmed_; ///< made under a node that no refresh has shown since
-    /// Forgotten since the last restore that knew the node: it may not have been the one that all
-    /// believed.
+    std::set<std::int64_t> unconfirmed_; ///< ports whose node no refresh has confirmed yet
+    /// Removed since the last restore with a known node, since the node assumed until then may have
+    /// been wrong.
     ManagedServerRecord::Entries forgotten_;
 };
 

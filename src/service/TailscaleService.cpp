@@ -66,7 +66,7 @@ void TailscaleService::loadPersistedManagedServers() {
     constexpr auto patience = std::chrono::milliseconds(200);
     struct First {
         std::promise<ManagedServerRecord::Entries> recorded;
-        std::atomic_flag isOver; // whoever finds it clear answers for what is read first
+        std::atomic_flag isOver; // set by the reader, which then delivers here, or by the timeout
     };
     const auto first = std::make_shared<First>();
     auto recorded = first->recorded.get_future();
@@ -137,12 +137,12 @@ void TailscaleService::parseServeConfig(const std::string& text) {
     startMissingServers();
 }
 
-// Empty where the daemon does not run, or nobody knows under which name.
+// Empty if the daemon is not running or its DNS name is unknown.
 std::string TailscaleService::runningNode() const {
     return isConnected.get() ? dnsName.get() : std::string();
 }
 
-// A port may be taken for a moment only, by the end of a connection for instance.
+// Retries later on failure: a port may be taken only briefly, for example by a closing connection.
 void TailscaleService::startMissingServers() {
     if (managedServers_.startMissingServers()) {
         retryDelay_ = firstRetryDelay;
@@ -170,7 +170,7 @@ void TailscaleService::add(ServeMode mode, SourceType sourceType, const std::str
                                                                  sourceType, source, urlPath,
                                                                  background),
                                                  patienceWith(background));
-        // Made here, since an output can be long.
+        // On the background queue, since the output can be long.
         std::string error = result.status == 0 ? "" : failureMessage(result);
         self->mainQueue_.post(
             [self, result = std::move(result), error = std::move(error), completion]() mutable {
@@ -205,7 +205,7 @@ CommandRunner::Result TailscaleService::addThroughServer(ServeMode mode, const S
         });
     } else {
         ManagedServers::stop(**server);
-        // A background command that quitting has ended may have made its share just before.
+        // A background command that was ended on quitting may already have created its share.
         if (!background || !isInterrupted_) record_.change({}, {port});
     }
     return result;
@@ -220,7 +220,7 @@ TailscaleService::startRecordedServer(const ManagedServerRecord::Entry& entry) {
 
     std::string root = ManagedServers::rootFolder(entry.info);
     if (entry.info.isDirectory && !root.ends_with('/')) root += '/';
-    // A port of another share's, whose server does not run at present, is not taken from it. Its
+    // The system may pick a port recorded for another share whose server is not running. The
     // listener is held meanwhile, so that the system picks another port.
     std::vector<std::shared_ptr<FileHTTPServer>> passedOver;
     while (true) {
@@ -280,7 +280,7 @@ void TailscaleService::reset(const std::string& subcommand, Completion completio
         const auto result =
             self->runner_.runShellWithCode(self->tailscaleBin_ + " " + subcommand + " reset");
         self->mainQueue_.post([=] {
-            // Either reset makes the daemon drop every share, so no server is needed any more.
+            // Either reset makes the daemon drop every share, so no server is needed.
             if (result.status == 0)
                 self->managedServers_.killAllManagedServers(self->dnsName.get());
             self->refresh();

@@ -26,23 +26,23 @@
 
 namespace brevane {
 
-/// The one model object: it runs every tailscale command, publishes what the commands say and
-/// performs the changes that the user asks for. All members are for the main thread; commands run
-/// on a serial background queue, one at a time, in the order in which they were asked for.
+/// The application's model: runs every tailscale command, publishes the results and makes the
+/// changes that the user asks for. Main thread only unless stated otherwise; commands run on a
+/// serial background queue, one at a time, in the order of the calls.
 class TailscaleService : public std::enable_shared_from_this<TailscaleService> {
 public:
-    /// Called once on the main thread: whether the command's exit status was 0, and its output.
-    /// Never called if the service has gone by the time its turn comes.
+    /// Called once on the main thread with whether the command's exit status was 0, and its output.
+    /// Never called if the service is destroyed before the command starts.
     using Completion = std::function<void(bool success, const std::string& output)>;
 
-    /// What is passed by reference outlives the service; the queue is to be destroyed before the
-    /// others, since its running task keeps the service alive. Loads the record of managed servers,
-    /// for which it waits a moment and no longer: from a slow disk it comes when it comes. Runs no
-    /// command and starts no server.
+    /// Everything passed by reference must outlive the service; destroy the queue before the rest,
+    /// since its running task keeps the service alive. Loads the record of managed servers; blocks
+    /// for at most 200 ms, and takes the record from a slower disk later. Runs no command and
+    /// starts no server.
     [[nodiscard]] static std::shared_ptr<TailscaleService>
     create(Configuration configuration, MainQueue& mainQueue, SerialQueue& queue,
            Preferences& preferences, ServerPool& pool);
-    /// Stops every file server and waits until the record is on disk. May run on the background
+    /// Stops every file server and blocks until the record is written. May run on the background
     /// queue's own thread, where a task can hold the last reference.
     ~TailscaleService();
 
@@ -51,7 +51,7 @@ public:
 
     Published<std::string> dnsName;     ///< full DNS name of this machine, without trailing dot
     Published<std::string> tailscaleIP; ///< first tailnet address of this machine
-    Published<bool> isConnected;        ///< the daemon says "Running"
+    Published<bool> isConnected;        ///< the state of the daemon is "Running"
     Published<std::string> hostname;    ///< short host name of this machine
     Published<std::vector<ServeEntry>> entries; ///< every share, serves before funnels
     Published<bool> isLoading;                  ///< a refresh or an add is under way
@@ -59,35 +59,36 @@ public:
     Published<std::optional<std::string>> lastOutput; ///< of the last add
     Published<ManagedServers::InfoMap> managedServerInfo;
 
-    /// Announces before any of the properties above changes.
+    /// Announced before any of the properties above changes.
     Announcement objectWillChange;
 
-    /// Reads the daemon's state and shares anew. Returns at once; two calls are two full cycles.
+    /// Reads the daemon's state and shares. Returns at once; calls are not coalesced.
     void refresh();
 
-    /// Creates a share, then refreshes. A file or folder gets a file server of its own, which is
-    /// kept only if the share was made. It is recorded before that, so that at no instant the
-    /// daemon leads to a port that nobody remembers. A failure is published as `lastError`.
+    /// Creates a share and, on success, refreshes. A file or folder gets a file server of its own,
+    /// which is kept only if the share was created. It is recorded first, so that the daemon never
+    /// leads to a port that is not recorded. A failure is published as `lastError`.
     void add(ServeMode mode, SourceType sourceType, const std::string& source,
              const std::string& urlPath, bool background, Completion completion);
 
     /// Stops every share on the entry's port, then refreshes.
     void stopEntry(const ServeEntry& entry, Completion completion);
 
-    /// Stops all serves, then refreshes; on success every file server is stopped and forgotten.
+    /// Stops all serves, then refreshes; on success stops every file server and removes this node's
+    /// from the record.
     void resetServes(Completion completion);
 
-    /// The same with all funnels. Every file server goes, those behind serves included.
+    /// The same for all funnels. Stops every file server, including those behind serves.
     void resetFunnels(Completion completion);
 
-    /// Stops everything, whatever the commands say, then refreshes.
+    /// Stops everything, even if the commands fail, then refreshes.
     void resetAll(std::function<void()> completion);
 
-    /// Ends the command that runs and every later one, for quitting. Any thread.
+    /// Ends the running command and prevents later ones, for quitting. Any thread.
     void interruptCommands();
 
-    /// Waits until what was to be recorded is on disk or could not be written, but no longer than
-    /// `limit`. Returns whether it was. Any thread.
+    /// Blocks until pending changes to the record are written or writing has failed, at most for
+    /// `limit`. Returns false if `limit` passes first. Any thread.
     bool waitForRecord(std::chrono::milliseconds limit);
 
 private:
@@ -101,7 +102,7 @@ private:
     void saveRecord();
     void sayUnsaved(const std::string& reason);
     void onQueue(std::function<void(const std::shared_ptr<TailscaleService>&)> work);
-    /// What a file or folder share serves and under which path.
+    /// What a file or folder share serves, and under which path.
     struct ServedSource {
         ManagedServerRecord::Entry entry;
         std::string mountPath;
@@ -126,7 +127,7 @@ private:
     ManagedServerRecord record_;
     ManagedServers managedServers_;
     bool isRetryPending_ = false;
-    std::chrono::seconds retryDelay_; ///< until the next try to start a server that is missing
+    std::chrono::seconds retryDelay_; ///< before the next attempt to start missing servers
 };
 
 } // namespace brevane
