@@ -8,10 +8,10 @@
 #include <string>
 #include <string_view>
 
-/// Runs one input. The name and the type are libFuzzer's.
+/// Runs one input. Name and type are required by libFuzzer.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// Ends the program where the condition does not hold, in every kind of build.
+/// Aborts if the condition does not hold, in every kind of build.
 inline void require(bool condition) {
     if (!condition) std::abort();
 }

@@ -4,7 +4,7 @@
 #include "Path.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    // The root, a line feed, the path that is asked for.
+    // The input is the root, a line feed and the requested path.
     const std::string_view input(reinterpret_cast<const char*>(data), size);
     const std::size_t lineEnd = std::min(input.find('\n'), size);
     const std::string root = brevane::standardizedPath("/" + std::string(input.substr(0, lineEnd)));

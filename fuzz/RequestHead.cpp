@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view received(reinterpret_cast<const char*>(data), size);
     const auto head = brevane::parseRequestHead(received);
     require(head.has_value() == received.contains("\r\n\r\n"));
-    // What is known to hold no blank line need not be searched again.
+    // Bytes known to contain no blank line need not be searched again.
     const std::size_t end = std::min(received.find("\r\n\r\n"), size);
     require(brevane::parseRequestHead(received, std::min(end + 3, size)) == head);
     if (!head) return 0;

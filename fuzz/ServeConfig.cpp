@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto config = brevane::decodeServeConfig(document);
     if (!config) return 0;
     const auto entries = brevane::extractEntries(*config, "node.tailnet.ts.net");
-    // Those that are public come last.
+    // Funnelled entries come last.
     require(
         std::ranges::is_partitioned(entries, [](const auto& entry) { return !entry.isFunnel; }));
     for (const auto& entry : entries)

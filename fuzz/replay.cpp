@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Feeds the files of a corpus, given as a folder, to a fuzz target, for builds without libFuzzer.
+// Runs a fuzz target on every file of a corpus, given as a folder, for builds without libFuzzer.
 #include "FuzzTarget.h"
 
 #include <filesystem>

@@ -22,14 +22,15 @@ enum class Family { ipv4, ipv6 };
 #ifdef __linux__
 constexpr int streamSocket = SOCK_STREAM | SOCK_CLOEXEC;
 #else
-constexpr int streamSocket = SOCK_STREAM; // Children inherit nothing that they are not given.
+constexpr int streamSocket = SOCK_STREAM; // Children inherit only what they are given.
 #endif
 
-/// A connection to a local port, on blocking calls; every failure to connect throws.
+/// A connection to a local port with blocking calls. Throws if it cannot connect.
 class Client {
 public:
-    /// `receiveBuffer` limits what the client takes without reading it, `segment` the size of what
-    /// is sent to it and with that how much the server's system takes; the system's rule where 0.
+    /// `receiveBuffer` limits what the client's kernel receives ahead; `segment` is the maximum
+    /// segment size, which also limits what the server's kernel queues. 0 means the system's
+    /// default.
     explicit Client(std::int64_t port, Family family = Family::ipv4, int receiveBuffer = 0,
                     int segment = 0)
         : socket(::socket(family == Family::ipv4 ? AF_INET : AF_INET6, streamSocket, 0)) {
@@ -43,7 +44,7 @@ public:
             throw std::system_error(errno, std::generic_category(), "connect");
     }
 
-    /// The number of bytes that could be sent before the server closed.
+    /// Returns the number of bytes sent before the server closed.
     std::size_t send(std::string_view bytes) {
         std::size_t sent = 0;
         while (sent < bytes.size()) {
@@ -55,23 +56,23 @@ public:
         return sent;
     }
 
-    /// Sends the bytes over and over until the server takes no more for now.
+    /// Sends the bytes repeatedly until the send buffer is full.
     void sendUntilFull(std::string_view bytes) {
         while (::send(socket.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL | MSG_DONTWAIT) > 0) {
         }
     }
 
-    /// Tells the server that nothing more will be sent.
+    /// Shuts down the sending half.
     void endSending() { ::shutdown(socket.get(), SHUT_WR); }
 
-    /// At most `most` bytes; empty at the end, also where it comes as a reset.
+    /// Receives at most `most` bytes; empty at end of stream or on a reset.
     std::string receive(std::size_t most) {
         std::string bytes(most, '\0');
         bytes.resize(receiveInto(bytes));
         return bytes;
     }
 
-    /// All that comes until the end.
+    /// Receives everything until end of stream.
     std::string receiveAll() {
         std::string all;
         std::string bytes(256 * 1024, '\0');
@@ -80,7 +81,7 @@ public:
         return all;
     }
 
-    /// How much comes until the end.
+    /// Receives until end of stream and returns the number of bytes.
     std::size_t countAll() {
         std::size_t all = 0;
         std::string bytes(256 * 1024, '\0');
@@ -117,7 +118,7 @@ private:
     Descriptor socket;
 };
 
-/// Everything that the server answers to the pieces of a request, sent one after the other.
+/// Sends the pieces of a request one after the other and returns the whole response.
 inline std::string answerTo(std::int64_t port, std::span<const std::string_view> pieces,
                             Family family) {
     Client client(port, family);

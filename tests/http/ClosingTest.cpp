@@ -81,7 +81,7 @@ TEST_F(Closing, NothingIsReadAfterTheRequestWhenNothingFollows) {
     Client client(server.port);
     client.send("GET /a.txt HTTP/1.1\r\n\r\n");
     EXPECT_EQ(client.receiveAll(), textFileAnswer("a"));
-    // The connection is gone, not only its half: the next bytes find nobody.
+    // The whole connection is closed, not only its sending half: later bytes are answered with RST.
     pollfd broken{.fd = client.descriptor(), .events = 0, .revents = 0};
     while (client.send("x") == 1)
         ::poll(&broken, 1, 1);

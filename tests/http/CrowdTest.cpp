@@ -16,7 +16,7 @@
 namespace brevane::test {
 namespace {
 
-// Many clients of a server that has one processor: one handler and one sender.
+// Many clients of a server on one processor, that is, with one handler and one sender.
 class Crowd : public ::testing::Test {
 protected:
     static constexpr std::size_t largeSize = 1 << 20;
@@ -41,17 +41,17 @@ protected:
         return clients;
     }
 
-    // Whether an answer comes; only one that never comes takes that long.
+    // Whether an answer arrives. The timeout is reached only if it never does.
     static bool isAnswered(const Client& client) {
         pollfd wanted{.fd = client.descriptor(), .events = POLLIN, .revents = 0};
         return ::poll(&wanted, 1, 10000) == 1;
     }
 
-    // Keeps the thread of an event loop busy until the latch opens.
+    // Blocks the thread of an event loop until the latch opens.
     static void hold(Executor executor, std::latch& latch) {
         boost::asio::post(executor, [&latch] { latch.wait(); });
     }
-    // The same, so many turns of the event loop later.
+    // The same, but after `turns` turns of the event loop.
     static void holdAfter(int turns, Executor executor, std::latch& latch) {
         boost::asio::post(executor, [turns, executor, &latch] {
             turns == 0 ? latch.wait() : holdAfter(turns - 1, executor, latch);
@@ -59,14 +59,14 @@ protected:
     }
 
     TemporaryFolder folder_;
-    std::latch begin_{1}; // These have to outlive the threads that wait for them.
+    std::latch begin_{1}; // The latches must outlive the threads that wait for them.
     std::latch end_{1};
     std::shared_ptr<ServerThreads> threads_;
     std::shared_ptr<ServedFolder> served_;
     std::shared_ptr<Acceptor> acceptor_;
 
 private:
-    // Threads inherit the calling thread's processors.
+    // Threads inherit the calling thread's processor affinity.
     void startOnOneProcessor() {
         cpu_set_t one;
         CPU_ZERO(&one);

@@ -7,16 +7,16 @@
 namespace brevane::test {
 namespace {
 
-// With 256 descriptors a quarter is left to the rest of the program.
+// With 256 descriptors, a quarter is reserved for the rest of the program.
 constexpr int limit = 256;
-// Each thread may have two beyond that for the moment in which others make room.
+// Each thread may briefly use two more while connections are being closed.
 constexpr std::size_t most = 192 + 32;
 
 class DescriptorReserve : public ::testing::Test {
 protected:
     DescriptorReserve() {
         writeFile(folder_ / "a.txt", "a");
-        // More than the sockets of both ends hold.
+        // More than the socket buffers of both ends hold.
         writeFile(folder_ / "large.txt", std::string(64 << 20, 'l'));
     }
 
@@ -65,7 +65,7 @@ TEST_F(DescriptorReserve, LeavesThoseAloneThatGetOn) {
         clients.back().send("GET /a.txt HTTP/1.1\r\n");
         for (int piece = 0; piece < 16; ++piece)
             received += reader.receive(64 * 1024).size();
-        // Accepted, and all before it.
+        // This one and all before it have been accepted.
         if (count % 64 != 0) continue;
         ASSERT_EQ(get("/a.txt"), textFileAnswer("a"));
     }

@@ -25,7 +25,7 @@ namespace fs = std::filesystem;
 
 using Files = WireTest;
 
-// Every byte escaped but the slash.
+// Percent-encodes every byte except slashes.
 std::string escaped(std::string_view path) {
     constexpr std::string_view digits = "0123456789abcdef";
     std::string text;
@@ -197,7 +197,7 @@ TEST(FilesOfTheKernel, AreReadThoughTheirSizeIsSaidToBeNothing) {
     EXPECT_EQ(answer, fileAnswer("application/octet-stream", readFile("/proc/self/cmdline")));
 }
 
-// A child that lives as long as this and has a map of its memory longer than `length`.
+// A child process, alive as long as this object, whose memory map is longer than `length`.
 class MuchMappedChild {
 public:
     explicit MuchMappedChild(std::size_t length) {
@@ -206,7 +206,7 @@ public:
         const std::size_t pages = 2 * length / line;
         void* const mapped =
             ::mmap(nullptr, pages * page, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        // Neighbours that may be written to and not would be one mapping otherwise.
+        // Neighbouring pages with the same protection would be merged into one mapping.
         for (std::size_t index = 0; index < pages; index += 2)
             ::mprotect(static_cast<char*>(mapped) + index * page, page, PROT_READ | PROT_WRITE);
         child_ = ::fork();
@@ -243,7 +243,7 @@ TEST(FilesOfTheKernel, AreReadToTheirEndHoweverLongTheyAre) {
 }
 
 TEST(FilesOfTheKernel, WithoutAnEndAreForbidden) {
-    // A table of as many bytes as there are addresses, divided by 512.
+    // /proc/self/pagemap has one byte for every 512 addresses.
     ServerPool pool;
     FileHTTPServer server("/proc/self", pool);
     ASSERT_TRUE(server.startListener(0));

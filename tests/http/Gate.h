@@ -16,8 +16,8 @@
 
 namespace brevane::test {
 
-/// Holds whoever opens or reads one file until the gate opens, as a file system does that has lost
-/// its disk or its network. On the kernel's permission events (fanotify(7)).
+/// Blocks everyone who opens or reads one file until the gate opens, like a file system that has
+/// lost its disk or its network. Uses permission events of fanotify(7).
 class Gate {
 public:
     enum class Held { openings, readings };
@@ -37,15 +37,15 @@ public:
     Gate(const Gate&) = delete;
     Gate& operator=(const Gate&) = delete;
 
-    /// Returns when somebody is held. More may be.
+    /// Blocks until at least one caller is held.
     void waitForOne() const {
         pollfd events{.fd = group_.get(), .events = POLLIN, .revents = 0};
         while (::poll(&events, 1, -1) < 0 && errno == EINTR) {
         }
     }
 
-    /// Lets all that are held go on, and refuses them what they want where `refused` is set.
-    /// Returns how many there were.
+    /// Lets all callers held go on, or fails their calls if `refused` is set. Returns how many
+    /// there were.
     std::size_t letHeldGoOn(bool refused = false) {
         std::array<fanotify_event_metadata, 64> events{};
         std::size_t count = 0;
@@ -63,11 +63,11 @@ public:
         }
     }
 
-    /// Holds nobody any more.
+    /// Lets all callers held go on and holds no more.
     void open() { group_.close(); }
 
 private:
-    Descriptor group_; // Closing it lets everybody go on.
+    Descriptor group_; // Closing it allows all pending events.
 };
 
 } // namespace brevane::test

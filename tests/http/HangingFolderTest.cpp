@@ -15,7 +15,7 @@
 namespace brevane::test {
 namespace {
 
-// A folder some of whose files hang, as those of a network folder do when the network is gone.
+// A folder in which some files hang, like those of a network folder without a network.
 class HangingFolder : public WireTest {
 protected:
     HangingFolder() {
@@ -71,7 +71,7 @@ TEST_F(HangingFolder, IsServedAgainWhenItAnswersAgain) {
     for (int round = 0; round < 3; ++round) {
         Gate gate(root / "held.txt", Gate::Held::openings);
         auto clients = clientsThatAsk("/held.txt", 50);
-        // Whatever they wait for, these came before and are behind no other.
+        // One of them is held; the others may still be queued behind it.
         gate.waitForOne();
         gate.open();
         for (Client& client : clients)
@@ -102,7 +102,7 @@ TEST_F(HangingFolder, DoesNotKeepThePoolFromEnding) {
     client.receiveAll();
 }
 
-// A file that is not in the kernel's cache, so that its bytes have to be read.
+// A file that is not in the page cache, so that its bytes have to be read.
 class UncachedFile : public HangingFolder {
 protected:
     UncachedFile() {
@@ -144,12 +144,12 @@ TEST_F(UncachedFile, IsReadNoFurtherForClientsThatHaveGone) {
     Gate gate(path_, Gate::Held::readings);
     auto clients = clientsThatAsk("/large.txt", 200);
     gate.waitForOne();
-    // All have been accepted, and most of them wait for a loader.
+    // All have been accepted, and most of them are waiting for a loader.
     ASSERT_EQ(get("/a.txt"), textFileAnswer("a"));
     for (Client& client : clients)
         hangUp(client);
 
-    // Each reading is of 256 kB, and a loader does four of them between two looks at the client.
+    // Each read is 256 kB, and a loader does four of them between two checks of the client.
     std::size_t readings = 0;
     while (openDescriptors() > before + 1)
         readings += gate.letHeldGoOn();

@@ -16,13 +16,13 @@ protected:
         writeFile(folder / "secret", "secret");
     }
 
-    // Over both protocols, in one piece: for requests too long to be cut at every byte.
+    // Over both protocols, in one piece: for requests too long to be split at every byte.
     void expectAnswerToLong(const std::string& request, const std::string& expected) {
         EXPECT_EQ(answer(request, Family::ipv4), expected);
         EXPECT_EQ(answer(request, Family::ipv6), expected);
     }
 
-    // The connection stays as it is until the client ends it, without a word.
+    // The server sends nothing and keeps the connection open until the client ends it.
     void expectNoAnswer(std::string_view bytes) {
         for (const Family family : {Family::ipv4, Family::ipv6}) {
             Client client(server.port, family);

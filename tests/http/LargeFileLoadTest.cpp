@@ -14,7 +14,7 @@ class BringLargeFile : public ::testing::Test {
 protected:
     BringLargeFile() { test::writeFile(path_, std::string(size, 'l')); }
 
-    // The file, said to have that many bytes.
+    // The file with a reported size of `byteCount`.
     [[nodiscard]] LargeFile file(std::size_t byteCount) const {
         return {Descriptor(::open(path_.c_str(), O_RDWR | O_CLOEXEC)), byteCount};
     }

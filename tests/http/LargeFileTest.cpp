@@ -9,7 +9,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// More than the sockets of both ends hold, so that sending has not ended when its begin arrives.
+// More than the socket buffers of both ends hold, so that the server is still sending when the
+// first bytes arrive.
 constexpr std::size_t fileSize = 64 << 20;
 
 class LargeFiles : public WireTest {
@@ -19,7 +20,7 @@ protected:
         writeFile(root / "large.txt", std::string(fileSize, 'l'));
     }
 
-    // What arrives where `change` happens after the response has begun.
+    // The response when `change` happens after its first byte has arrived.
     template <class Change>
     std::string answerDuring(Change change) {
         Client client(server.port);

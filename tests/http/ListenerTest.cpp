@@ -111,7 +111,7 @@ TEST_F(Listener, ARequestStillBeingReadEndsWithItsServer) {
     const auto port = dropped->startListener(0).value();
     Client client(port);
     client.send("GET / HTTP/1.1\r\n");
-    ASSERT_TRUE(answers(port, Family::ipv4)); // So the connection before has been accepted.
+    ASSERT_TRUE(answers(port, Family::ipv4)); // The connection before is accepted too.
     dropped.reset();
     client.send("\r\n");
     EXPECT_EQ(client.receiveAll(), "");
@@ -134,7 +134,7 @@ TEST_F(Listener, ARequestStillBeingReadEndsWithItsServerWhileAResponseIsUnderWay
 }
 
 #ifdef __linux__
-// The socket of this process that listens on the port.
+// The socket of this process that listens on the port, or -1.
 int listeningSocket(std::int64_t port) {
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         const int number = std::stoi(entry.path().filename().string());
@@ -154,8 +154,8 @@ int listeningSocket(std::int64_t port) {
 TEST_F(Listener, ChildProcessesGetNeitherItNorItsConnections) {
     Client client(server.port);
     client.send("GET / HTTP/1.1\r\n");
-    ASSERT_TRUE(answers(server.port, Family::ipv4)); // So the connection before has been accepted.
-    // By what the kernel writes of them: the server may be closing one of them.
+    ASSERT_TRUE(answers(server.port, Family::ipv4)); // The connection before is accepted too.
+    // Reads the flags from /proc/self/fdinfo, since the server may be closing a descriptor.
     int sockets = 0;
     for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
         std::error_code closed;
@@ -181,8 +181,8 @@ TEST_F(Listener, AListenerThatFailsClearsIsRunning) {
     server.listener->cancel();
 }
 
-// Leaves the calling thread with a network of its own in which this setting of IPv6 is on. False
-// where that is not allowed.
+// Moves the calling thread to a network namespace of its own with this IPv6 setting enabled.
+// Returns false if that is not permitted.
 bool enterNetwork(const std::string& setting) {
     if (::unshare(CLONE_NEWNET) != 0) return false;
     const Descriptor any(::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));

@@ -99,7 +99,7 @@ TEST_F(Listing, OfThousandsIsInOrder) {
 
 TEST_F(Listing, OfAnyLengthIsSentWhole) {
     std::string lines;
-    // Past the 256 kB that a thread keeps for a response.
+    // Exceeds the 256 kB buffer that a thread has for responses.
     for (int number = 1000; number < 1700; ++number) {
         const std::string name = std::string(196, 'n') + std::to_string(number);
         writeFile(root / name, "");

@@ -12,7 +12,7 @@
 namespace brevane {
 namespace {
 
-// Listens on a port of one loopback address that the system picks.
+// Listens on one loopback address, on a port picked by the system.
 class LoopbackListener {
 public:
     explicit LoopbackListener(int family) : socket_(::socket(family, SOCK_STREAM, 0)) {
@@ -29,7 +29,7 @@ public:
         isThere_ = ::bind(socket_.get(), reinterpret_cast<const sockaddr*>(&any), size) == 0 &&
                    ::listen(socket_.get(), 1) == 0;
         ::getsockname(socket_.get(), reinterpret_cast<sockaddr*>(&any), &size);
-        port_ = ntohs(any.sin6_port); // In the same place in both.
+        port_ = ntohs(any.sin6_port); // at the same offset in sockaddr_in
     }
 
     [[nodiscard]] bool isThere() const { return isThere_; }
@@ -45,7 +45,7 @@ private:
 TEST(LoopbackPort, IsInUseWhereAnotherProgramListensOnOneLoopbackAddressOnly) {
     for (const int family : {AF_INET, AF_INET6}) {
         LoopbackListener other(family);
-        if (!other.isThere()) continue; // There is no IPv6 here.
+        if (!other.isThere()) continue; // IPv6 is not available.
         const auto taken = loopbackPort(other.port());
         ASSERT_FALSE(taken);
         EXPECT_EQ(taken.error(), std::errc::address_in_use);

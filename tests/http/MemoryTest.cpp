@@ -11,11 +11,11 @@ class Memory : public WireTest {
 protected:
     Memory() {
         writeFile(root / "a.txt", "a");
-        // More than the sockets of both ends hold.
+        // More than the socket buffers of both ends hold.
         writeFile(root / "large.txt", std::string(largeSize, 'l'));
     }
 
-    // This process's memory in bytes, by its name in /proc/self/status.
+    // A memory figure of this process from /proc/self/status, in bytes.
     static std::size_t memory(const std::string& name) {
         std::ifstream status("/proc/self/status");
         std::string word;
@@ -60,8 +60,7 @@ TEST_F(Memory, OfAHeadWithoutAnEndIsBounded) {
     const std::size_t before = memory("VmHWM");
     const std::string piece(mebibyte, 'x');
     Client client(server.port);
-    // The size of what comes first: doubled and doubled again, that is just below what all heads
-    // may take.
+    // A first piece whose size, doubled repeatedly, comes to just below the limit on all heads.
     ASSERT_TRUE(client.send(piece.substr(0, 63 * 1024)));
     ASSERT_EQ(get("/a.txt"), textFileAnswer("a"));
     std::size_t sent = 0;

@@ -18,7 +18,7 @@
 
 namespace brevane::test {
 
-/// serve-folder in a process of its own, with so many descriptors.
+/// serve-folder in a separate process with a limited number of descriptors.
 class ServeFolderProcess {
 public:
     ServeFolderProcess(const std::filesystem::path& folder, rlim_t descriptors) {

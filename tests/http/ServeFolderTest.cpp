@@ -7,7 +7,7 @@ namespace {
 
 class ServeFolder : public ::testing::Test {
 protected:
-    // Runs a script of the shell in which $1 is serve-folder and $2 the folder to serve.
+    // Runs a shell script in which $1 is serve-folder and $2 the folder to serve.
     ChildProcess::Outcome run(const std::string& script) {
         const Interrupt interrupt;
         const ChildProcess shell{

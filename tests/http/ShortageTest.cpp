@@ -23,7 +23,7 @@ TEST_F(Shortage, WithoutDescriptorsTheServerWaitsAndThenServesAgainByItself) {
     const std::int64_t port = server.port;
     std::vector<Client> clients;
     {
-        // The client's own socket is the last one that can be made.
+        // The client's own socket takes the last descriptor.
         const DescriptorLimit limit(lowestFreeDescriptor() + 1);
         clients.emplace_back(port);
         clients.back().send("GET /a.txt HTTP/1.1\r\n\r\n");
@@ -43,7 +43,7 @@ TEST_F(Shortage, WithoutADescriptorForItAFileIsForbidden) {
     std::string file;
     std::string folderPage;
     {
-        // Sanitizers need descriptors to look at objects of the test, so none is touched here.
+        // Sanitizers need descriptors to check objects of the test, so none is used here.
         const DescriptorLimit limit(lowestFreeDescriptor() + 2);
         file = answerTo(port, std::array<std::string_view, 1>{"GET /a.txt HTTP/1.1\r\n\r\n"},
                         Family::ipv4);

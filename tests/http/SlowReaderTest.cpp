@@ -15,7 +15,7 @@ protected:
         writeFile(root / "large.txt", content);
     }
 
-    // More clients than the pool has threads, each with this request for the large file.
+    // More clients than the pool has threads, each of which sends this request for the large file.
     std::vector<Client> clientsThatAsk(std::string_view request, int receiveBuffer = 0) {
         std::vector<Client> clients;
         for (int count = 0; count < 50; ++count) {
@@ -32,7 +32,7 @@ protected:
         ASSERT_TRUE(get("/large.txt") == whole);
     }
 
-    // The server can neither send nor is it to receive any more.
+    // The server can neither send to these clients nor receive everything they send.
     std::vector<Client> clientsThatSendABody() {
         auto clients =
             clientsThatAsk("GET /large.txt HTTP/1.1\r\nContent-Length: 1000000000\r\n\r\n");
@@ -87,8 +87,8 @@ TEST_F(SlowReaders, ThatSendSomethingShortlyBeforeTheEndGetEverything) {
     std::string answer;
     while (answer.size() < whole.size() - 60000)
         answer += client.receive(4096);
-    // The server has handed on all of it meanwhile, and would reset a connection that it has
-    // closed.
+    // By now the server has passed everything to the kernel. If it had closed the connection, the
+    // next bytes would be answered with RST.
     expectOthersAreServed();
     client.send("more");
     expectOthersAreServed();

@@ -8,8 +8,8 @@
 
 namespace brevane::test {
 
-/// Takes root's rights from the process, if it has them, for as long as it lives: nobody is kept
-/// out by permissions otherwise. All may enter `folder`.
+/// Drops root's effective user ID, if the process has it, for its lifetime, since permissions do
+/// not restrict root. Gives everyone access to `folder`.
 class Unprivileged {
 public:
     explicit Unprivileged(const std::filesystem::path& folder) : before(::geteuid()) {

@@ -13,7 +13,7 @@
 
 namespace brevane::test {
 
-/// The whole response to a request for a file.
+/// The complete response to a request for a file.
 inline std::string fileAnswer(std::string_view mediaType, std::string_view content) {
     std::string answer = "HTTP/1.1 200 OK\r\nContent-Type: ";
     answer.append(mediaType).append("\r\nContent-Length: ").append(std::to_string(content.size()));
@@ -41,7 +41,7 @@ inline std::string redirectAnswer(std::string_view location) {
     return answer.append(location).append("\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
 }
 
-/// The page that lists what `lines` say, of a folder asked for as `urlPath`.
+/// The listing page of a folder requested as `urlPath`, with the entries in `lines`.
 inline std::string listingAnswer(std::string_view urlPath, std::string_view lines) {
     std::string page = "<!DOCTYPE html><html>\n<head><meta charset=\"utf-8\"><title>Index of ";
     page.append(urlPath);
@@ -66,7 +66,7 @@ inline std::string fileLine(std::string_view name) {
     return line.append(name).append("\">📄 ").append(name).append("</a></li>\n");
 }
 
-/// A running server of an own folder, `root`, which lies in a folder of its own too.
+/// A running server for the folder `root`, inside a temporary folder.
 class WireTest : public ::testing::Test {
 protected:
     WireTest() {
@@ -90,8 +90,8 @@ protected:
         return answer("HEAD " + std::string(target) + " HTTP/1.1\r\n\r\n");
     }
 
-    /// Expects the answer over both protocols: to the request in one piece, cut at each byte, byte
-    /// by byte, and with more behind it.
+    /// Expects the answer over both protocols: to the request in one piece, split at each byte,
+    /// sent byte by byte, and followed by more.
     void expectAnswer(std::string_view request, const std::string& expected) {
         SCOPED_TRACE(::testing::PrintToString(request.substr(0, 200)));
         for (const Family family : {Family::ipv4, Family::ipv6}) {

@@ -7,14 +7,14 @@
 
 namespace brevane::test {
 
-/// `depth` arrays inside one another.
+/// `depth` nested arrays.
 inline std::string nestedArrays(int depth) {
     const auto count = static_cast<std::size_t>(depth);
     return std::string(count, '[') + std::string(count, ']');
 }
 
-/// Documents that no decoder may take, by what is wrong with them. `good` is the inside of an
-/// object, one or more members, that the decoder takes.
+/// Documents that every decoder must reject, each with what is wrong with it. `good` is a
+/// comma-separated list of members that the decoder accepts.
 inline std::vector<std::pair<std::string, std::string>> badDocuments(const std::string& good) {
     using namespace std::string_literals;
     const std::string object = "{" + good + "}";
@@ -90,7 +90,7 @@ inline std::vector<std::pair<std::string, std::string>> badDocuments(const std::
     };
 }
 
-/// Members that every decoder has to pass over, by what is special about them.
+/// Members that every decoder must skip, each with what is special about it.
 inline std::vector<std::pair<std::string, std::string>> oddMembers() {
     return {
         {"empty key", R"("":1)"},

@@ -8,8 +8,8 @@
 #include <new>
 #include <string>
 
-// Counts what this program allocates. Inlined, the two halves would look mismatched to the
-// compiler.
+// Counts the bytes that this program allocates. Not inlined, or the compiler would see operator new
+// paired with free().
 namespace {
 std::size_t allocatedBytes = 0;
 }

@@ -8,7 +8,7 @@
 
 namespace brevane::test {
 
-/// A row as one line: reach, host and port, mount path, kind, target, and where it runs.
+/// A row as one line: reach, host and port, mount path, kind, target, background or foreground.
 inline std::string entryLine(bool isFunnel, std::string_view hostPort, std::string_view urlPath,
                              std::string_view kind, std::string_view detail, bool isBackground) {
     std::string line = isFunnel ? "funnel " : "serve ";

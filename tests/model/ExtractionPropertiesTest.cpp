@@ -21,7 +21,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// Few names, so that maps refer to each other often.
+// Few names, so that the maps often refer to each other.
 const Names ports{"22", "443", "8443"};
 const Names hostPorts{"n:22", "n:443", "n:8443", ":22"};
 const Names mountPaths{"/", "/a", "/a/"};
@@ -84,7 +84,7 @@ std::size_t handlersIn(const std::optional<JsonMap<WebServerConfigJSON>>& web) {
     return count;
 }
 
-/// Background web handlers, then TCP forwards, then foreground web handlers.
+/// Ranks background web handlers, then TCP forwards, then foreground web handlers.
 int rankOf(const ServeEntry& entry) {
     if (!entry.isBackground) return 2;
     return entry.handlerType == ServeEntry::HandlerType::tcp ? 1 : 0;
@@ -109,8 +109,8 @@ RC_GTEST_PROP(ExtractEntriesOfAnyConfig, FunnelledRowsComeLastAndBothGroupsKeepT
     RC_ASSERT(std::is_sorted(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
         return std::pair(a.isFunnel, rankOf(a)) < std::pair(b.isFunnel, rankOf(b));
     }));
-    // Within a group and rank the order is that of the maps, but for sessions, which rows do not
-    // show.
+    // Within a group and rank, rows are in the order of the maps, except for sessions, which rows
+    // do not show.
     RC_ASSERT(std::is_sorted(entries.begin(), entries.end(), [](const auto& a, const auto& b) {
         const auto key = [](const ServeEntry& entry) {
             return std::tuple(entry.isFunnel, rankOf(entry),

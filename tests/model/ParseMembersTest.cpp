@@ -17,7 +17,8 @@ namespace {
 
 constexpr std::array<std::string_view, 2> wanted{"a", "b"};
 
-/// The wanted members of a document in a buffer that ends where the document does.
+/// The wanted members of a document in a buffer of exactly its size, so that sanitizers find reads
+/// beyond it.
 std::optional<json::object> membersOf(std::string_view document) {
     const std::vector<char> exact(document.begin(), document.end());
     return parseMembers({exact.data(), exact.size()}, wanted);

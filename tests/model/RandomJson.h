@@ -8,7 +8,7 @@
 
 namespace brevane::test {
 
-/// A random JSON value, written with random blanks, escapes and number forms.
+/// A random JSON value with random white space, escapes and number formats.
 inline std::string randomJson(int depth) {
     using rc::gen::elementOf;
     using Texts = std::vector<std::string>;

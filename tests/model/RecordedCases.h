@@ -13,7 +13,7 @@
 
 namespace brevane::test {
 
-/// One command that was run for the record.
+/// One recorded command.
 struct RecordedCase {
     bool isStatusQuery() const {
         return command.starts_with("status") && command.contains("--json");
@@ -27,7 +27,7 @@ struct RecordedCase {
     std::string command; ///< the arguments, separated by spaces
     std::int64_t exitStatus;
     std::string output;           ///< standard output, then standard error
-    std::string errors;           ///< standard error alone
+    std::string errors;           ///< standard error only
     std::string serveStatusAfter; ///< what `serve status --json` printed afterwards
 };
 

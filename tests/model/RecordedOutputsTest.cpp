@@ -26,8 +26,8 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// The rows that a configuration stands for, by a walk over the parsed document that knows nothing
-/// of Brevane's records. The daemon lists the members of a map in the order of their names.
+/// Computes the rows of a configuration independently of Brevane's decoder, from the parsed
+/// document. The daemon lists the members of a map in key order.
 class Walk {
 public:
     Walk(const json::object& config, std::string_view dnsName) {
@@ -92,7 +92,7 @@ Lines walkedRowsOf(std::string_view document) {
     return Walk(config.as_object(), dnsName).lines();
 }
 
-/// The node's state as each of the cases of a group tells it.
+/// The node's state in each case of a group.
 std::vector<TailscaleStatusJSON> statusesOf(std::string_view group) {
     std::vector<TailscaleStatusJSON> statuses;
     for (const RecordedCase& recorded : recordedCases())
@@ -164,7 +164,7 @@ TEST(RecordedOutputs, EveryConfigurationGivesItsRows) {
                 if (row.contains(kind)) kinds.emplace(kind);
         }
     }
-    // The record shows all that a row can be.
+    // The recording contains every kind of row.
     EXPECT_EQ(kinds,
               (std::set<std::string>{"serve", "funnel", "background", "foreground", "Port Proxy",
                                      "File/Directory", "Text", "TCP Forward"}));
@@ -177,7 +177,7 @@ TEST(RecordedOutputs, OfEveryOtherCommandDecodeToNothing) {
         if (isAnswered && (recorded.isStatusQuery() || recorded.isServeStatusQuery())) continue;
         ++others;
         EXPECT_FALSE(decodeTailscaleStatus(recorded.output)) << recorded.name;
-        if (recorded.command != "version --json") { // an object too, with nothing to read in it
+        if (recorded.command != "version --json") { // an object, but with nothing to decode
             EXPECT_FALSE(decodeServeConfig(recorded.output)) << recorded.name;
         }
     }

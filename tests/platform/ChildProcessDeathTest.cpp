@@ -18,8 +18,8 @@
 namespace brevane {
 namespace {
 
-// Another process of ours that runs a child, which tells through a named pipe that it is ready, and
-// by the pipe's end that it is gone.
+// Another process of ours that runs a child. The child opens a named pipe when it is ready; the
+// pipe reaches end of file when the child is gone.
 class ChildOfAKilledProcess : public testing::Test {
 protected:
     ChildOfAKilledProcess() { mkfifo(namedPipe_.c_str(), 0600); }

@@ -44,7 +44,7 @@ TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
     EXPECT_TRUE(hasNoChild());
 }
 
-// Closes our standard descriptors for as long as it lives.
+// Closes our standard descriptors for its lifetime.
 class StandardDescriptorsClosed {
 public:
     StandardDescriptorsClosed() {
@@ -78,7 +78,7 @@ TEST(ChildProcess, WorksWhereOurStandardDescriptorsAreClosed) {
     EXPECT_EQ(result->standardError, "error\n");
 }
 
-// The child itself runs out, while it moves its pipes out of the way of 0, 1 and 2.
+// The child itself runs out of descriptors while it moves its pipes above 0, 1 and 2.
 TEST(ChildProcess, ReportsThatItsDescriptorsHaveRunOut) {
     const Interrupt interrupt;
     int failed = 0;
@@ -119,7 +119,7 @@ TEST(ChildProcess, LeaksNoDescriptorAndNoZombieOver1000Runs) {
 }
 
 #ifdef __linux__
-// Runs `task` on a thread for which the system has no pidfd_open, as before Linux 5.3.
+// Runs `task` on a thread where pidfd_open fails, as before Linux 5.3.
 void runWithoutExitDescriptors(const std::function<void()>& task) {
     std::array<sock_filter, 4> filter{{
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),

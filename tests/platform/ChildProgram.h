@@ -18,7 +18,7 @@ namespace brevane {
 
 using Result = std::expected<ChildProcess::Outcome, std::error_code>;
 
-// The program of this folder, which tells of itself.
+// The program in child-program.cpp, which reports about itself.
 inline ChildProcess child(std::vector<std::string> arguments,
                           std::vector<std::string> environment = {}) {
     return {.executable = CHILD_PROGRAM,

@@ -162,7 +162,7 @@ TEST_F(FilePreferencesOnDisk, KeepsTheOldRecordWhereTheDiskIsFull) {
     FilePreferences preferences(file);
     EXPECT_FALSE(store(preferences, sample));
 
-    // A limit on the size of files stands for the full disk.
+    // RLIMIT_FSIZE simulates a full disk.
     rlimit before{};
     getrlimit(RLIMIT_FSIZE, &before);
     const auto handlerBefore = signal(SIGXFSZ, SIG_IGN);
@@ -177,7 +177,7 @@ TEST_F(FilePreferencesOnDisk, KeepsTheOldRecordWhereTheDiskIsFull) {
     EXPECT_EQ(names(folder.path), std::set<std::string>{"preferences.json"});
 }
 
-// A record all of whose values tell the generation, long enough for a write to take its time.
+// A record whose values all contain the generation, large enough for a write to take a while.
 Dictionary generation(int number) {
     Dictionary record;
     for (int port = 40000; port < 40300; ++port)
@@ -186,7 +186,7 @@ Dictionary generation(int number) {
     return record;
 }
 
-// Writes one generation after another and tells of each that is stored.
+// Writes one generation after another and reports each one stored.
 [[noreturn]] void writeGenerations(FilePreferences& preferences, int first, int told) {
     for (int number = first;; ++number) {
         if (store(preferences, generation(number))) _exit(1);
@@ -206,7 +206,7 @@ TEST_F(FilePreferencesOnDisk, HoldTheOldOrTheNewRecordAfter200Kills) {
         const pid_t writer = fork();
         if (writer == 0) writeGenerations(preferences, stored + 1, told[1]);
         close(told[1]);
-        // From its first record on the writer is killed at an instant that nobody chose.
+        // The writer is killed at a random instant after its first report.
         ASSERT_EQ(read(told[0], &stored, sizeof stored), static_cast<ssize_t>(sizeof stored));
         std::this_thread::sleep_for(std::chrono::microseconds(instants(random)));
         kill(writer, SIGKILL);

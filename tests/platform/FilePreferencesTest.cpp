@@ -135,7 +135,7 @@ TEST_F(FilePreferencesTest, RefusesTextThatIsNotUtf8) {
     EXPECT_EQ(preferences.dictionary(key), sample);
 }
 
-// The variable as it was, put back at the end.
+// Restores XDG_CONFIG_HOME at the end of the scope.
 class ConfigHome {
 public:
     ConfigHome() {

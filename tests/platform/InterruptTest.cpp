@@ -17,7 +17,8 @@
 namespace brevane {
 namespace {
 
-// A child that tells through a named pipe that it is ready, and by the pipe's end that it is gone.
+// A child that opens a named pipe when it is ready; the pipe reaches end of file when the child is
+// gone.
 class InterruptedChild : public testing::Test {
 protected:
     InterruptedChild() { mkfifo(namedPipe.c_str(), 0600); }
@@ -33,7 +34,7 @@ protected:
         process = std::stoi(text.data());
     }
 
-    // Ends the child, and says what became of it.
+    // Waits for the child and returns its outcome.
     ChildProcess::Outcome outcome() {
         Result result = running.get();
         EXPECT_TRUE(result);

@@ -12,7 +12,7 @@
 namespace brevane {
 namespace {
 
-// In a process of its own, since it is for good.
+// In a forked process, since raising the limit cannot be undone.
 TEST(OpenFileLimit, IsRaisedToTheHardOneForUsAndNotForChildren) {
     const test::DescriptorLimit before(100);
     const pid_t program = fork();

@@ -27,7 +27,7 @@ inline const Dictionary sample{
     {"49232", Record{{"path", "/Users/x/ä \" \\ \n.pdf"}, {"type", "file"}}},
     {"49233", "text"}};
 
-/// Makes the dictionary under the key hold this and nothing else, for all that is known of it.
+/// Replaces everything that is known of the dictionary under the key.
 inline std::error_code store(Preferences& preferences, const Dictionary& dictionary,
                              const std::string& under = key) {
     Preferences::Changes changes;
@@ -40,7 +40,7 @@ inline std::error_code store(Preferences& preferences, const Dictionary& diction
     return preferences.update({{under, changes}});
 }
 
-/// A test on one preferences file in a folder of its own.
+/// A test with a preferences file in a folder of its own.
 class PreferencesFile : public testing::Test {
 protected:
     [[nodiscard]] std::string bytes(const fs::path& path) const {

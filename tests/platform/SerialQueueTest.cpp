@@ -105,7 +105,7 @@ TEST(SerialQueue, LetsTheRunningTaskEndBeforeItIsGone) {
 TEST(SerialQueue, DropsTasksThatWaitWhenItGoes) {
     auto queue = std::make_optional<SerialQueue>("dropping");
     const auto witness = std::make_shared<int>();
-    // Posts itself for ever: running what waits would never come to an end.
+    // Posts itself forever: if the destructor ran queued tasks, it would never return.
     std::function<void()> again = [&, witness] { queue->post(again); };
     queue->post(again);
     drain(*queue);
@@ -114,7 +114,7 @@ TEST(SerialQueue, DropsTasksThatWaitWhenItGoes) {
     EXPECT_EQ(witness.use_count(), 1) << "a dropped task is destroyed, and with it what it holds";
 }
 
-// What a service does: it owns the queue, and a task may hold the last reference to it.
+// Like a service, it owns the queue, and a task may hold the last reference to it.
 struct Owner {
     SerialQueue queue{"owner"};
 };
@@ -136,7 +136,8 @@ TEST(SerialQueue, CanBeDestroyedByItsOwnTask) {
     released.set_value();
     destroyed.get_future().wait();
 
-    // The thread ends by itself and drops what waited; only then is it certain that none will run.
+    // Only when the thread has ended and dropped its queued tasks is it certain that none of them
+    // runs.
     while (witness.use_count() > 1)
         std::this_thread::yield();
     EXPECT_FALSE(ranLater);

@@ -10,7 +10,7 @@
 namespace brevane {
 namespace {
 
-// Any number up to 0x1FFFFF as UTF-8 is laid out, also what is no character.
+// Encodes any number up to 0x1FFFFF in the layout of UTF-8, even if it is not a character.
 std::string encoded(std::uint32_t number) {
     const auto byte = [](std::uint32_t value) { return static_cast<char>(value); };
     const auto tail = [&](int shift, std::uint32_t value) {

@@ -20,7 +20,7 @@ const Dictionary sample{{"49231", Record{{"path", "/Users/mira/site"}, {"type", 
                         {"49232", Record{{"path", "/Users/mira/report.pdf"}, {"type", "file"}}},
                         {"49233", "text"}};
 
-// In the defaults of the test program, where what a test has stored does not stay.
+// Uses the test program's own defaults and removes what a test has stored.
 class UserDefaultsPreferencesTest : public testing::Test {
 protected:
     ~UserDefaultsPreferencesTest() override {
@@ -51,7 +51,7 @@ protected:
         return bytes;
     }
 
-    // What is read where a property list of this XML is stored.
+    // Reads the dictionary after storing a property list given as XML.
     Dictionary dictionaryOf(std::string_view xml) {
         const std::string document = "<plist version=\"1.0\">" + std::string(xml) + "</plist>";
         const CFDataRef bytes =
@@ -69,7 +69,7 @@ protected:
         return preferences.dictionary(key).value();
     }
 
-    // What is read where a record's path is this UTF-16.
+    // Reads the dictionary after storing a record whose path is this UTF-16.
     template <std::size_t Length>
     Dictionary dictionaryWithPath(const UniChar (&units)[Length]) {
         const CFStringRef path = CFStringCreateWithCharacters(kCFAllocatorDefault, units, Length);
@@ -117,7 +117,7 @@ TEST_F(UserDefaultsPreferencesTest, StoresAnEmptyRecord) {
 }
 
 TEST_F(UserDefaultsPreferencesTest, KeepsEveryCharacterAsItIs) {
-    // Among them a letter with a separate accent, which a file system might compose.
+    // Including a letter with a combining accent, which a file system might compose.
     const Dictionary texts{{"80€", Record{{"päth", "/Users/Jür­gen/日本語 📁/e\xcc\x81"},
                                           {"control", "a\nb\tc\x01"},
                                           {"empty", ""}}}};

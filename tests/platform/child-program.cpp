@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A child process for the tests: its first argument says what to do or what to tell of itself.
-// Where it is given the path of a named pipe, it opens that as soon as it is ready.
+// A child process for the tests: its first argument says what to do or to report. If it is given
+// the path of a named pipe, it opens the pipe as soon as it is ready.
 
 #include <fcntl.h>
 #include <sched.h>
@@ -43,7 +43,7 @@ void flood(int descriptor, std::size_t size, char byte) {
         writeAll(descriptor, std::string_view(block).substr(0, std::min(size, block.size())));
 }
 
-// Fills both outputs at the same time, from two processes.
+// Fills both outputs concurrently, from two processes.
 void floodBoth(std::size_t size) {
     const pid_t second = fork();
     if (second == 0) {
@@ -57,7 +57,7 @@ void floodBoth(std::size_t size) {
 void tellReady(const char* namedPipe) {
     const int pipe = open(namedPipe, O_WRONLY);
     writeAll(pipe, std::to_string(getpid()) + '\n');
-    // Left open: its end tells the test that this process is gone.
+    // Left open: its end of file shows the test that this process is gone.
 }
 
 [[noreturn]] void waitForEver() {
@@ -65,7 +65,7 @@ void tellReady(const char* namedPipe) {
         pause();
 }
 
-// Runs on in a second process, and there only after the first one has exited with status 3.
+// Continues in a second process, after the first one has exited with status 3.
 void outliveOwnParent() {
     const pid_t parent = getpid();
     if (fork() != 0) _exit(3);

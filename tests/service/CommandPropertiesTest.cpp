@@ -42,7 +42,7 @@ RC_GTEST_PROP(BuildPortServeCommand, SharesItsHeadWithTheOtherCommands,
               head + " " + std::to_string(port));
 }
 
-// What the shell hands on as the first argument, for each text.
+// The first argument that the shell passes on, for each text.
 std::vector<std::string> throughZsh(const std::vector<std::string>& texts) {
     const test::TemporaryFolder folder;
     std::string line;
@@ -64,7 +64,7 @@ std::vector<std::string> throughZsh(const std::vector<std::string>& texts) {
 }
 
 TEST(ShellQuote, WhatZshHandsOnOfAQuotedTextIsTheText) {
-    // Every text holds one of the five characters, and so is quoted as a whole.
+    // Every text contains one of the five characters that make shellQuote() quote it.
     const std::string alphabet = " ()&'$`\";|<>*?\\\t\n!#~={}[]^%aé€😀";
     EXPECT_TRUE(rc::check([&alphabet] {
         const auto texts = *rc::gen::container<std::vector<std::string>>(

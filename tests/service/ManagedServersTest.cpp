@@ -11,7 +11,7 @@ using boost::asio::ip::tcp;
 
 class ManagedServersTest : public ServiceTest {
 protected:
-    // A port that nothing listens on.
+    // A port on which nothing listens.
     static std::int64_t freePort() {
         boost::asio::io_context context;
         return tcp::acceptor(context, {tcp::v4(), 0}).local_endpoint().port();
@@ -34,7 +34,7 @@ TEST_F(ManagedServersTest, ARecordedFolderIsServedOnItsOldPortAfterTheFirstRefre
     EXPECT_EQ(fetch(port, "/a.txt"), "");
     refresh();
     EXPECT_EQ(fetch(port, "/a.txt"), "content");
-    const int writes = this->writes(); // the node's name may have been added
+    const int writes = this->writes(); // the refresh may have added the node's name
     refresh();
     EXPECT_EQ(this->writes(), writes);
 }
@@ -150,7 +150,8 @@ TEST_F(ManagedServersTest, ARunningServerIsLeftAlone) {
     servePrintsProxyTo(port);
     start();
     refresh();
-    // A connection that has not asked yet belongs to the server that accepted it.
+    // An accepted connection that has not sent its request yet belongs to the server that accepted
+    // it.
     boost::asio::io_context context;
     tcp::socket socket(context);
     socket.connect({boost::asio::ip::address_v4::loopback(), static_cast<std::uint16_t>(port)});
@@ -211,7 +212,7 @@ TEST_F(ManagedServersTest, TheEndOfTheServiceStopsServersAndKeepsTheRecord) {
     finishRefresh();
     const auto port = service->managedServerInfo->begin()->first;
     service.reset();
-    queue.reset(); // the task of the last command may have held the service
+    queue.reset(); // the task of the last command may still own the service
     EXPECT_EQ(answerTo(port, "GET / HTTP/1.1\r\n\r\n"), "");
     EXPECT_EQ(preferences.dictionary(ManagedServerRecord::managedServersKey)->size(), 1u);
 }

@@ -97,7 +97,7 @@ TEST_F(RecordTest, AResetUnderAnAccountSwitchedUnseenKeepsTheSharesOfTheFormerOn
 
 TEST_F(RecordTest, ASwitchBetweenTheTwoQueriesOfOneRefreshIsMadeGoodByTheNext) {
     const auto port = startServing("a.ts.net");
-    switchTo("a.ts.net"); // whose shares are the other account's already
+    switchTo("a.ts.net"); // but its shares are already those of the other account
     switchTo("b.ts.net");
     switchTo("a.ts.net", port);
     EXPECT_NE(fetch(port, "/"), "");

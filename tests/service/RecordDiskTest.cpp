@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A disk that takes no file, whoever asks: the temporary one cannot be made.
+// Makes every write fail, even for root: a folder has the name of the temporary file.
 class FullDisk {
 public:
     explicit FullDisk(const fs::path& file) : inTheWay(file.string() + ".new") {
@@ -138,7 +138,7 @@ TEST_F(RecordTest, APipeInTheFilesPlaceIsNotWaitedFor) {
     EXPECT_EQ(*service->lastError, "Shares could not be saved: Operation not supported");
 }
 
-/// Preferences on a disk that answers when it is told to.
+/// Preferences on a disk that hangs until `answers` is counted down.
 class HungPreferences final : public Preferences {
 public:
     [[nodiscard]] std::expected<Dictionary, std::error_code>

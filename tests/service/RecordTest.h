@@ -17,7 +17,7 @@
 
 namespace brevane::test {
 
-/// A service whose record is in a file, on a disk that may fail.
+/// A service whose record is in a file on a disk that may fail.
 class RecordTest : public ServiceTest {
 protected:
     ~RecordTest() override {
@@ -37,7 +37,7 @@ protected:
                                            *queue, stored, pool);
     }
 
-    // Everything that is to be written is on disk afterwards.
+    // Destroys the service. Afterwards all pending changes are on disk.
     void quit() {
         service->interruptCommands();
         service.reset();
@@ -81,7 +81,8 @@ protected:
         return node.is_string() ? std::string(node.get_string()) : "";
     }
 
-    // What must become true on disk while nothing else happens.
+    // Waits for a condition that becomes true on disk without further action. Returns false on
+    // timeout.
     static bool eventually(const std::function<bool()>& condition) {
         const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!condition()) {
@@ -91,8 +92,8 @@ protected:
         return true;
     }
 
-    // The service on a record of one folder, which the daemon of this account leads to. Returns its
-    // port.
+    // Starts the service with the record of one folder, which a proxy of this account leads to.
+    // Returns its port.
     std::int64_t startServing(const std::string& name) {
         const auto port = freePort();
         writeFile(folder / "a.txt", "content");
@@ -102,7 +103,7 @@ protected:
         EXPECT_EQ(fetch(port, "/a.txt"), "content");
         return port;
     }
-    // To an account whose daemon leads to a port, or to none.
+    // Switches to an account whose daemon has a proxy to `port`, or none.
     void switchTo(const std::string& name, std::optional<std::int64_t> port = {}) {
         account(name);
         if (port)

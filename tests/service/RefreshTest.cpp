@@ -242,7 +242,7 @@ TEST_F(Refresh, DoesNothingOnceTheServiceIsGone) {
     service->refresh();
     queue->post([&] { done.count_down(); });
     service.reset();
-    mainQueue.dropPending(); // "loading on" held the service until here
+    mainQueue.dropPending(); // the task that sets isLoading owned the service until now
     dropped.count_down();
     done.wait();
     EXPECT_TRUE(commands().empty());

@@ -21,8 +21,8 @@
 
 namespace brevane::test {
 
-/// A service whose tailscale is a script that notes its arguments and prints what the test has
-/// laid down. The shell is the real one.
+/// A service whose tailscale is a script that logs its arguments and prints what the test has
+/// prepared. The shell is the real one.
 class ServiceTest : public testing::Test {
 protected:
     ServiceTest() {
@@ -36,7 +36,7 @@ protected:
         if (service) service->interruptCommands();
     }
 
-    // Shell code for the two queries and for everything else.
+    // Shell code for the two queries and for every other command.
     void script(const std::string& status, const std::string& serveStatus,
                 const std::string& change) {
         writeFile(binary(), "#!/bin/sh\n"
@@ -60,7 +60,7 @@ protected:
     void statusPrints(const std::string& text) { writeFile(folder / "tailscale.status", text); }
     void servePrints(const std::string& text) { writeFile(folder / "tailscale.serve", text); }
 
-    // What the daemon would list for one background proxy on port 443.
+    // Prints what the daemon lists for one background proxy on port 443.
     void servePrintsProxyTo(std::int64_t port) {
         servePrints(R"({"Web":{"h.tail.ts.net:443":{"Handlers":{"/":{"Proxy":"http://127.0.0.1:)" +
                     std::to_string(port) + R"("}}}}})");
@@ -71,7 +71,7 @@ protected:
                                            *queue, preferences, pool);
     }
 
-    // Runs the main queue until a refresh that is under way has been applied.
+    // Runs the main queue until a refresh in progress has been applied.
     void finishRefresh() {
         ASSERT_TRUE(mainQueue.runUntil([&] { return service->isLoading.get(); }));
         ASSERT_TRUE(mainQueue.runUntil([&] { return !service->isLoading.get(); }));
@@ -81,7 +81,7 @@ protected:
         finishRefresh();
     }
 
-    // Waits until the background queue has done all that it has now.
+    // Waits for all tasks that are on the background queue now.
     void waitForQueue() {
         std::latch done(1);
         queue->post([&] { done.count_down(); });
@@ -106,7 +106,7 @@ protected:
         return waitForOutcome();
     }
 
-    // The commands that ran so far, one line of arguments each.
+    // The commands run so far, the arguments of each on one line.
     std::vector<std::string> commands() {
         std::istringstream log(readFile(folder / "tailscale.log"));
         std::vector<std::string> lines;
@@ -115,7 +115,7 @@ protected:
         return lines;
     }
 
-    // What is recorded by now, and in how many writes since it was laid down.
+    // The current record; writes() counts the writes since recordHolds().
     using Record = std::map<std::string, Preferences::Record>;
     Record record() {
         EXPECT_TRUE(service->waitForRecord(std::chrono::minutes(1)));
@@ -150,7 +150,7 @@ protected:
     std::optional<Outcome> outcome;
 };
 
-/// A proxy row on a host and port.
+/// A proxy entry with this host and port.
 inline ServeEntry proxyEntry(const std::string& hostPort, const std::string& target) {
     return {.id = makeEntryId(),
             .isFunnel = false,

@@ -17,9 +17,9 @@ namespace {
 
 class ShareOperations : public ServiceTest {
 protected:
-    // Adds a folder share and keeps the daemon's side in step.
+    // Adds a folder share and makes the daemon list it.
     std::int64_t addFolder(const std::string& path) {
-        servePrints("nothing readable"); // so that the refresh forgets nothing
+        servePrints("nothing readable"); // so that the refresh removes nothing
         EXPECT_TRUE(add(SourceType::directory, path).success);
         finishRefresh();
         const std::int64_t port = service->managedServerInfo->rbegin()->first;
@@ -27,15 +27,15 @@ protected:
         return port;
     }
 
-    // The commands that have run when everything is done that is under way now.
+    // Waits for everything in progress and returns the commands run so far.
     std::vector<std::string> commandsInTheEnd() {
         mainQueue.runPending();
         waitForQueue();
         return commands();
     }
 
-    // Whether an operation has asked for a refresh by the time that it completes: its commands are
-    // then before what the completion asks for.
+    // Whether an operation has requested a refresh by the time it completes: the commands of the
+    // refresh then run before anything that the completion requests.
     bool completesAfterItsRefresh(const std::function<void(std::function<void()>)>& operation) {
         std::optional<bool> isRefreshed;
         operation([&] {
@@ -141,7 +141,7 @@ TEST_F(ShareOperations, AFolderIsRecordedAsEnteredWithoutBlanksOrAddedSlash) {
     EXPECT_EQ(fetch(port, "/a.txt"), "content");
 }
 
-// Only an empty path shows it, which the window does not let through.
+// Visible only with an empty path, which the window does not allow.
 TEST_F(ShareOperations, ASlashIsAppendedToAFoldersPath) {
     writeFile(folder / "a.txt", "content");
     start();
@@ -168,7 +168,7 @@ TEST_F(ShareOperations, AServerWhoseCommandFailedIsStoppedAndTakenOutOfTheRecord
 
 TEST_F(ShareOperations, AServerThatCannotStartFailsTheAddWithoutACommand) {
     start();
-    // No descriptor is left to open a socket with; the limit binds the whole process.
+    // No descriptor is left to open a socket; the limit applies to the whole process.
     auto none = std::make_optional<DescriptorLimit>(0);
     const Outcome added = add(SourceType::directory, folder.path.string());
     none.reset();

@@ -11,7 +11,7 @@ namespace {
 
 class Shutdown : public ServiceTest {
 protected:
-    // Waits until the script has noted its process number, and gives it.
+    // Waits until the script has written its process ID, and returns it.
     pid_t waitForPid() {
         const auto file = folder / "tailscale.pid";
         while (readFile(file).empty() || readFile(file).back() != '\n')
@@ -19,7 +19,7 @@ protected:
         return std::stoi(readFile(file));
     }
 
-    // Interrupts an add whose command runs this shell code, and looks for what is left of it.
+    // Interrupts an add whose command runs this shell code, and expects its process to be gone.
     void expectEnded(const std::string& shellCode, bool background = false) {
         changesDo(shellCode);
         start();
@@ -58,10 +58,10 @@ TEST_F(Shutdown, TheLastReferenceMayGoOnTheQueuesOwnThread) {
     waitForPid();
     service->interruptCommands();
     const std::weak_ptr<TailscaleService> watched = service;
-    service.reset(); // the running task holds it now
+    service.reset(); // the running task owns it now
     queue.reset();
     EXPECT_FALSE(outcome.has_value());
-    EXPECT_FALSE(watched.expired()); // what the task left behind on the main queue
+    EXPECT_FALSE(watched.expired()); // tasks on the main queue own it
     mainQueue.dropPending();
     EXPECT_TRUE(watched.expired());
 }

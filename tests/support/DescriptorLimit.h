@@ -5,7 +5,7 @@
 
 namespace brevane::test {
 
-/// Lets no descriptor of this number or above be made for as long as it lives.
+/// Sets RLIMIT_NOFILE for its lifetime: no descriptor can be opened with this number or above.
 class DescriptorLimit {
 public:
     explicit DescriptorLimit(int number) {

@@ -13,8 +13,8 @@
 
 namespace brevane::test {
 
-/// Everything that a local server answers to `request`, read until it closes; empty if nothing
-/// listens on the port.
+/// The complete response of a local server to `request`, read until the server closes; empty if
+/// nothing listens on the port.
 inline std::string answerTo(std::int64_t port, std::string_view request) {
     using boost::asio::ip::tcp;
     boost::asio::io_context context;
@@ -30,7 +30,7 @@ inline std::string answerTo(std::int64_t port, std::string_view request) {
     return answer;
 }
 
-/// The body of the answer to a GET of `target`.
+/// The body of the response to a GET of `target`.
 inline std::string fetch(std::int64_t port, const std::string& target) {
     const std::string answer = answerTo(port, "GET " + target + " HTTP/1.1\r\n\r\n");
     const auto end = answer.find("\r\n\r\n");

@@ -9,7 +9,7 @@
 
 namespace brevane::test {
 
-/// Preferences that last as long as the object, with a count of what was written. Any thread.
+/// Preferences in memory, with a count of the writes. Any thread.
 class MemoryPreferences final : public Preferences {
 public:
     [[nodiscard]] std::expected<Dictionary, std::error_code>

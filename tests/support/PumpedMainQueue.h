@@ -17,7 +17,7 @@
 
 namespace brevane::test {
 
-/// A main queue that the test runs by hand, task by task.
+/// A main queue whose tasks the test runs one by one.
 class PumpedMainQueue final : public MainQueue {
 public:
     void post(std::function<void()> task) override {
@@ -25,12 +25,12 @@ public:
         boost::asio::post(loop_->context, std::move(task));
     }
 
-    /// Keeps the task: time passes here only by `runDelayed`.
+    /// Keeps the task: only `runDelayed` runs delayed tasks.
     void postAfter(std::chrono::milliseconds delay, std::function<void()> task) override {
         delayed_.emplace_back(delay, std::move(task));
     }
 
-    /// Runs the oldest task that was posted with this delay. False if there is none.
+    /// Runs the oldest task posted with this delay. Returns false if there is none.
     bool runDelayed(std::chrono::milliseconds delay) {
         const auto found = std::ranges::find(delayed_, delay, &Delayed::first);
         if (found == delayed_.end()) return false;
@@ -40,24 +40,25 @@ public:
         return true;
     }
 
-    /// Waits for the next task and runs it. False if none comes, which only a hanging test sees.
+    /// Waits for the next task and runs it. Returns false after a minute without one, as when the
+    /// test hangs.
     bool runOne() { return current().context.run_one_for(std::chrono::seconds(60)) == 1; }
 
-    /// Runs the tasks that are waiting now.
+    /// Runs the tasks that are queued now.
     void runPending() { current().context.poll(); }
 
-    /// Drops the tasks that are waiting, as happens once the event loop has ended.
+    /// Drops the queued tasks, as happens once the event loop has ended.
     void dropPending() {
         auto dropped = std::make_unique<Loop>();
         {
             const MutexLock lock(mutex_);
             std::swap(loop_, dropped);
         }
-        // Outside the lock: what goes with the tasks may wait for threads that post.
+        // Outside the lock: destroying the tasks may wait for threads that post.
         dropped.reset();
     }
 
-    /// Runs tasks until the condition holds. False if it never does.
+    /// Runs tasks until the condition holds. Returns false if it never does.
     bool runUntil(const std::function<bool()>& condition) {
         while (!condition())
             if (!runOne()) return false;

@@ -11,7 +11,7 @@
 
 namespace brevane::test {
 
-/// A new empty folder that is removed, with all that is in it, at the end of the scope.
+/// A new empty folder, removed with its contents at the end of the scope.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the model asks the daemon for, and does to it: a stand-in, or a real tailscaled on loopback."""
+"""The daemon as the model queries and controls it: a stand-in, or a real tailscaled on loopback."""
 
 import http.client
 import json
@@ -13,12 +13,12 @@ sys.path.insert(0, str(Path(__file__).parents[2] / "e2e"))
 
 from driver.tailnet import HOST, Tailnet  # noqa: E402
 
-# The only ones that Tailscale lets a funnel have.
+# Tailscale allows funnels on 443, 8443 and 10000 only; 443 has the web handlers.
 FUNNEL_PORTS = ["8443", "10000"]
 
 
 class StandIn:
-    """Its own shell, and faster than the real thing."""
+    """Also stands in for the shell. Faster than a real daemon."""
 
     accounts = ["a.ts.net", "b.ts.net"]
     funnel_ports = None
@@ -38,11 +38,11 @@ class StandIn:
         self.write(json.loads(self.file.read_text()) | values)
 
     def refuse(self, fails):
-        """Whether every change fails from now on."""
+        """Makes every later change fail, or not."""
         self.set(fails=fails)
 
     def delay(self, milliseconds):
-        """How long a change takes before it is made, and again before its command ends."""
+        """Delays each change before it is made, and again before its command ends."""
         self.set(delay=milliseconds)
 
     def config(self):
@@ -63,7 +63,7 @@ class StandIn:
 
 
 class Real:
-    """The host of a loopback tailnet, under two accounts. Its command refuses, or delays, changes where it is told to."""
+    """The host of a loopback tailnet, with two accounts. Its command refuses or delays changes on request."""
 
     shell = "/bin/sh"
     funnel_ports = FUNNEL_PORTS

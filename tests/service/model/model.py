@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: MIT
-"""Random operations on the service, against a model of what must be there after each.
+"""Random operations on the service, compared with a model of the expected state after each.
 
 usage: model.py DRIVER (--stand-in PROGRAM | --tailnet FOLDER) [--operations N] [--kills N] [--seed N]
 
-DRIVER is the service (service-driver), PROGRAM stands in for tailscale (stand-in-tailscale), FOLDER
-has what a real tailnet on loopback is made of (tools/tailnet/build.sh). After each operation the
+DRIVER is the service (service-driver), PROGRAM replaces tailscale (stand-in-tailscale), FOLDER
+contains the programs of a real tailnet on loopback (tools/tailnet/build.sh). After each operation the
 daemon's shares, the record on disk, the live servers with their bytes, and the rows are compared
-with the model's. --kills only adds files and folders, and kills the service at a random instant of
-each: no share of the daemon's may be missing from the record. A failure names the operation; the
-same seed repeats the run, but for the instants of kills.
+with the model. --kills only adds files and folders, and kills the service at a random instant of
+each add: no share of the daemon may be missing from the record. A failure names the operation; the
+same seed repeats the run, except for the instants of kills.
 """
 
 import argparse
@@ -95,7 +95,7 @@ class Model:
     def kill(self):
         self.process.kill()
         self.process.wait()
-        # A command outlives the service where nothing ends it.
+        # A command outlives the service unless something ends it.
         mark = f"BREVANE_STAND_IN={self.folder}".encode()
         while any(self.has_in_environment(process, mark) for process in pathlib.Path("/proc").glob("[0-9]*")):
             time.sleep(0.001)
@@ -114,7 +114,8 @@ class Model:
             return {}, {}
         return stored.get("TailscaleManagedServers", {}), stored.get("TailscaleManagedServerNodes", {})
 
-    # The operations. Each changes the model as it must change the daemon, and returns the state.
+    # The operations. Each changes the model as it must change the daemon, and returns the resulting
+    # state.
 
     def add(self):
         mode = self.random.choice(["Serve", "Funnel"])
@@ -122,7 +123,7 @@ class Model:
         path = self.random.choice(PATHS)
         source = self.make_source(kind)
         if kind == "TCP Forward":
-            path = "/"  # Tailscale refuses any other.
+            path = "/"  # Tailscale refuses every other path.
             if mode == "Funnel" and self.daemon.funnel_ports:
                 source = self.random.choice(self.daemon.funnel_ports)
         state = self.run("add", mode, kind, source, path)
@@ -161,7 +162,7 @@ class Model:
         return state
 
     def reset(self):
-        # "all" forgets what it asks to be reset without looking at the outcome.
+        # "all" removes shares from the record even if its commands fail.
         words = ["serve", "funnel"] if self.fails else ["serve", "funnel", "all"]
         state = self.run("reset", self.random.choice(words))
         if not self.fails:
@@ -208,7 +209,7 @@ class Model:
         return proxy.startswith("http://127.0.0.1:") and int(proxy.rsplit(":", 1)[1]) not in NOBODYS_PORTS
 
     def switch(self):
-        """The account changes; now and then the service is told only by its next operation."""
+        """Switches the account; sometimes the service notices only at its next operation."""
         self.daemon.switch(self.random.choice(self.daemon.accounts))
         return self.random.choice([self.refresh, self.add, self.reset, self.stop])()
 
@@ -227,9 +228,9 @@ class Model:
         return self.run("refresh")
 
     def fill_disk(self):
-        """The record cannot be written for one operation."""
+        """Makes writing the record fail for one operation."""
         obstacle = pathlib.Path(str(self.preferences) + ".new")
-        obstacle.unlink(missing_ok=True)  # a writer that was killed leaves its own behind
+        obstacle.unlink(missing_ok=True)  # a killed writer leaves its file behind
         (obstacle / "full").mkdir(parents=True)
         self.random.choice([self.add, self.stop, self.reset])()
         shutil.rmtree(obstacle)
@@ -260,8 +261,8 @@ class Model:
         for name, other in self.accounts.items():
             for port, path in other.ports.items():
                 expected[port] = ({"path": path, "type": "directory" if "mark.txt" not in path else "file"}, name)
-        # What went away just before a switch may be kept for its account, unserved: nobody could tell
-        # which account's daemon had been asked.
+        # A share that ended just before a switch may be kept for its account, unserved: the service
+        # could not know which account's daemon it had asked.
         for port in [port for port in recorded if port not in expected and nodes.get(port) != self.node]:
             assert self.fetch(port) is None, f"port {port} is served for nobody"
             del recorded[port], state["managed"][port]
@@ -274,7 +275,7 @@ class Model:
             for _ in range(30):
                 if served or name != self.node:
                     break
-                # Another program's connection may have the port for a moment.
+                # Another program's connection may briefly occupy the port.
                 time.sleep(1)
                 self.run("refresh")
                 served = self.fetch(port)

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 //
-// The service without a window: does what standard input says, line by line, and answers each line
-// with what there is afterwards. The end of the input quits.
+// The service without a window: performs the operation in each line of standard input and answers
+// it with the state afterwards. Quits at end of input.
 //
 // Usage: service-driver TAILSCALE SHELL PREFERENCES
 //
 //   ["add", label of the mode, label of the source type, source, URL path]
 //   ["stop", host and port, target]    ["reset", "serve" or "funnel" or "all"]    ["refresh"]
 //
-// The answer: {"success": bool, "rows": [[kind, URL path, detail, is a funnel]...],
+// Each answer: {"success": bool, "rows": [[kind, URL path, detail, is a funnel]...],
 // "managed": {port: path}, "error": text or null}
 
 #include "FilePreferences.h"
@@ -71,7 +71,7 @@ private:
         };
     }
 
-    // One more refresh, behind the operation's own; the record has been written by its end.
+    // Refreshes once more after the operation's own refresh; then the record has been written.
     void finishRefresh() {
         service_->refresh();
         bool isIdle = false;

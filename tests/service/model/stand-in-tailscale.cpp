@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 //
-// Stands in for tailscale and its daemon: what Brevane asks of them, with the daemon's state in a
-// file, so that thousands of operations take minutes.
+// Replaces tailscale and its daemon in the commands that Brevane uses, with the daemon's state in a
+// file, so that thousands of operations take only minutes.
 //
 // Usage: BREVANE_STAND_IN=FOLDER stand-in-tailscale ARGUMENTS
 //        BREVANE_STAND_IN=FOLDER stand-in-tailscale -l -c COMMAND-LINE
 //
-// The second form stands in for the shell as well, which takes longer than all the rest.
+// The second form also replaces the shell, whose start takes longer than everything else.
 //
 // FOLDER/daemon.json: {"node": DNS name, "state": backend state, "fails": whether changes fail,
 // "delay": milliseconds before and after a change, "configs": {DNS name: serve configuration}}
@@ -107,7 +107,8 @@ int change(json::object& config, const std::string& node, const Arguments& argum
     return 0;
 }
 
-// The words of a command line without the first. Only whole words are quoted.
+// The words of a command line, without the first one. Supports single quotes around whole words
+// only.
 std::vector<std::string> wordsOf(const std::string& line) {
     std::vector<std::string> words;
     bool isQuoted = false;
