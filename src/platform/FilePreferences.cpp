@@ -87,16 +87,20 @@ std::expected<fs::path, std::error_code> freeNameBeside(const fs::path& file) {
     }
 }
 
-// Renames the broken file to keep it; on failure renames it back.
+// Keeps the broken file under another name. Only on a file system without hard links is there a
+// moment without a file, in which a crash would leave none.
 std::error_code replaceBrokenFile(const fs::path& file, const std::string& text) {
     const auto broken = freeNameBeside(file);
     if (!broken) return broken.error();
     std::error_code error;
-    fs::rename(file, *broken, error);
+    fs::create_hard_link(file, *broken, error);
+    const bool isLinked = !error;
+    if (!isLinked) fs::rename(file, *broken, error);
     if (error) return error;
     error = replaceWholeFile(file, text);
     std::error_code ignored;
-    if (error) fs::rename(*broken, file, ignored);
+    if (error && isLinked) fs::remove(*broken, ignored);
+    if (error && !isLinked) fs::rename(*broken, file, ignored);
     return error;
 }
 

@@ -30,9 +30,10 @@ public:
 
     /// Changes entries of the dictionaries under these keys atomically, creating missing
     /// dictionaries. Entries that are not named stay as they are, even those of other types. After
-    /// a crash the store holds either all of the changes or none. Returns the operating system's
-    /// error if the store cannot be read or written, or std::errc::illegal_byte_sequence if a
-    /// string is not UTF-8; then nothing has changed.
+    /// a crash the store holds either all of the changes or none; on macOS this holds for each
+    /// dictionary. Returns the operating system's error if the store cannot be read or written, or
+    /// std::errc::illegal_byte_sequence if a string is not UTF-8; then nothing has changed, except
+    /// that macOS may write later what it could not write now.
     [[nodiscard]] virtual std::error_code
     update(const std::map<std::string, Changes>& dictionaries) = 0;
 };

@@ -66,8 +66,9 @@ public:
     void refresh();
 
     /// Creates a share and, on success, refreshes. A file or folder gets a file server of its own,
-    /// which is kept only if the share was created. It is recorded first, so that the daemon never
-    /// leads to a port that is not recorded. A failure is published as `lastError`.
+    /// which is kept only if the share was created. It is recorded first, so that the daemon leads
+    /// to no port that is not recorded, unless the disk fails or takes longer than ten seconds. A
+    /// failure is published as `lastError`.
     void add(ServeMode mode, SourceType sourceType, const std::string& source,
              const std::string& urlPath, bool background, Completion completion);
 

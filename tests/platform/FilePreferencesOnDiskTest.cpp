@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "FilePreferences.h"
 
+#include "Descriptor.h"
 #include "PreferencesFile.h"
 
 #include <gtest/gtest.h>
+#ifdef __linux__
+#include <sys/inotify.h>
+#endif
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -140,6 +144,27 @@ TEST_F(FilePreferencesOnDisk, KeepsABrokenFileBesideWhateverHasItsNameAlready) {
     EXPECT_FALSE(store(preferences, sample));
     EXPECT_EQ(bytes(broken.string() + ".3"), "not JSON");
 }
+
+#ifdef __linux__
+TEST_F(FilePreferencesOnDisk, IsThereAtEveryMomentWhileABrokenOneIsReplaced) {
+    write("not JSON");
+    const Descriptor watch(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    ASSERT_NE(inotify_add_watch(watch.get(), folder.path.c_str(), IN_MOVED_FROM | IN_DELETE), -1);
+    FilePreferences preferences(file);
+    EXPECT_FALSE(store(preferences, sample));
+
+    alignas(inotify_event) std::array<char, 4096> events{};
+    const ssize_t size = read(watch.get(), events.data(), events.size());
+    std::set<std::string> gone;
+    for (ssize_t offset = 0; offset < size;) {
+        const auto* event = reinterpret_cast<const inotify_event*>(events.data() + offset);
+        gone.insert(event->name);
+        offset += static_cast<ssize_t>(sizeof *event + event->len);
+    }
+    EXPECT_EQ(gone, std::set<std::string>{"preferences.json.new"});
+    EXPECT_EQ(bytes(broken), "not JSON");
+}
+#endif
 
 TEST_F(FilePreferencesOnDisk, LeavesABrokenFileWhereItIsIfItCannotBeReplaced) {
     write("not JSON");
