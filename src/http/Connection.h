@@ -35,20 +35,26 @@ private:
     using Timer =
         boost::asio::basic_waitable_timer<Clock, boost::asio::wait_traits<Clock>, Executor>;
 
+    // On a handler. If the folder is slow, on a loader from `lookLate` on. What the client takes at
+    // once is sent here, too, to its end.
     void take(std::string_view bytes);
     void answer();
     void lookLate();
     void look();
     void begin(Response& response);
     void beginLargeFile(std::string_view head, bool headOnly);
+
+    // On a loader.
     void load();
     void bringPiece(std::size_t piece);
     void refuseFile();
+    void bringTurn();
+
+    // On a sender; `sendTurn` on a loader if the folder is slow.
     void sendHead();
     void send();
     void nextTurn();
     void sendTurn();
-    void bringTurn();
     void endFile();
     void finish();
     void drain();

@@ -7,7 +7,10 @@
 #include "SymbolView.h"
 #include "Theme.h"
 
+#include <QAbstractItemView>
 #include <QImage>
+#include <QMenu>
+#include <QScreen>
 #include <QScrollArea>
 #include <QTextEdit>
 
@@ -238,6 +241,64 @@ protected:
         }
     }
 
+    // As long as German tends to be.
+    static QString longer(const QString& text) {
+        return text.isEmpty() ? text
+                              : text + u' ' +
+                                    QStringLiteral("verlängert noch ein Stück")
+                                        .left(text.size() * 2 / 5 + 3)
+                                        .trimmed();
+    }
+    static void lengthenTexts(QWidget& whole) {
+        for (auto* label : whole.findChildren<QLabel*>())
+            label->setText(longer(label->text()));
+        for (auto* button : whole.findChildren<QAbstractButton*>())
+            button->setText(longer(button->text()));
+        for (auto* popUp : whole.findChildren<PopUp*>())
+            for (int index = 0; index < popUp->count(); ++index)
+                popUp->setItemText(index, longer(popUp->itemText(index)));
+    }
+    // Of a menu, a list of choices or a question: no text is cut, no two parts overlap.
+    static void expectWhole(const QMenu& menu) {
+        EXPECT_TRUE(menu.screen()->geometry().contains(menu.geometry()));
+        int bottom = 0;
+        for (QAction* item : menu.actions()) {
+            const QRect place = menu.actionGeometry(item);
+            EXPECT_GE(place.top(), bottom);
+            bottom = place.bottom();
+            EXPECT_TRUE(menu.rect().contains(place));
+            EXPECT_GE(place.width(), menu.fontMetrics().horizontalAdvance(item->text()) + 16);
+        }
+    }
+    static void expectWhole(const QAbstractItemView& list) {
+        for (int index = 0; index < list.model()->rowCount(); ++index) {
+            const QRect place = list.visualRect(list.model()->index(index, 0));
+            EXPECT_TRUE(list.viewport()->rect().contains(place)) << index;
+            const QString text = list.model()->index(index, 0).data().toString();
+            EXPECT_GE(place.width(), list.fontMetrics().horizontalAdvance(text) + 16) << index;
+        }
+    }
+    static void expectWhole(const QDialog& question) {
+        std::vector<const QWidget*> parts;
+        for (const auto* label : question.findChildren<QLabel*>())
+            if (label->isVisible()) parts.push_back(label);
+        for (const auto* button : question.findChildren<QAbstractButton*>()) {
+            parts.push_back(button);
+            EXPECT_GE(button->width(),
+                      button->fontMetrics().horizontalAdvance(button->text()) + 16);
+        }
+        for (const auto* part : parts) {
+            const QRect place(part->mapTo(&question, QPoint()), part->size());
+            EXPECT_TRUE(question.rect().contains(place));
+            EXPECT_GE(part->height(), part->heightForWidth(part->width()));
+            for (const auto* other : parts)
+                if (other != part) {
+                    EXPECT_FALSE(
+                        place.intersects({other->mapTo(&question, QPoint()), other->size()}));
+                }
+        }
+    }
+
     static QFont scaledFont(double factor, int stretch = 100) {
         QFont font = QApplication::font();
         font.setPointSizeF(10 * factor);
@@ -370,6 +431,56 @@ TEST_F(LookTest, ALongNameIsShortenedInTheMiddleAndShowsWholeInItsTooltip) {
     }
     FAIL() << "the status line is nowhere";
 }
+
+class LongTextsTest : public LookTest, public testing::WithParamInterface<Qt::LayoutDirection> {
+protected:
+    void SetUp() override {
+        QApplication::setLayoutDirection(GetParam());
+        QApplication::setFont(scaledFont(2));
+        open({800, 614});
+    }
+    void TearDown() override {
+        LookTest::TearDown();
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+};
+
+TEST_P(LongTextsTest, AreWholeInTheWindow) {
+    lengthenTexts(*view);
+    settle();
+    expectNothingClipped();
+}
+
+TEST_P(LongTextsTest, AreWholeInAMenu) {
+    auto* menu = button("Reset Shares")->findChild<QMenu*>();
+    for (QAction* item : menu->actions())
+        item->setText(longer(item->text()));
+    press("Reset Shares");
+    expectWhole(*menu);
+    menu->close();
+}
+
+TEST_P(LongTextsTest, AreWholeInTheListOfSourceTypes) {
+    auto* picker = find<PopUp>("Source Type");
+    for (int index = 0; index < picker->count(); ++index)
+        picker->setItemText(index, longer(picker->itemText(index)));
+    picker->showPopup();
+    settle();
+    expectWhole(*picker->view());
+    picker->hidePopup();
+}
+
+TEST_P(LongTextsTest, AreWholeInAQuestion) {
+    row(0)->confirmStop();
+    settle();
+    lengthenTexts(*dialog());
+    dialog()->adjustSize();
+    settle();
+    expectWhole(*dialog());
+}
+
+INSTANTIATE_TEST_SUITE_P(BothWays, LongTextsTest,
+                         testing::Values(Qt::LeftToRight, Qt::RightToLeft));
 
 TEST_F(LookTest, MirroredForRightToLeftNothingIsClipped) {
     QApplication::setLayoutDirection(Qt::RightToLeft);
