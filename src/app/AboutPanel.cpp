@@ -13,7 +13,7 @@ AboutPanel::AboutPanel(QWidget* parent) : QDialog(parent) {
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle("About Brevane");
-    // The link shows that it has the keyboard only once the user has moved there.
+    // The panel takes the focus, so the link shows its focus ring only once the user moves there.
     setFocusPolicy(Qt::ClickFocus);
     setFocus();
     auto* column = new QVBoxLayout(this);

@@ -5,7 +5,7 @@
 
 namespace brevane {
 
-/// The window "About Brevane". Closing it, also with Escape, only hides it.
+/// The window "About Brevane". Closing it, including with Escape, only hides it.
 class AboutPanel : public QDialog {
     Q_OBJECT
 public:

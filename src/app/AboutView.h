@@ -16,7 +16,7 @@ public:
     const QString appVersion;
 
 protected:
-    /// Its ground moves the window.
+    /// Dragging the background moves the window.
     void mousePressEvent(QMouseEvent* event) override;
 };
 

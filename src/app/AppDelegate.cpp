@@ -28,7 +28,7 @@ namespace {
 
 constexpr auto firstFramePatience = std::chrono::milliseconds(100);
 
-/// Closing it is a request to quit, which is made before anything that may block.
+/// Closing it requests to quit, before anything that may block.
 class MainWindow : public QMainWindow {
 public:
     explicit MainWindow(std::function<void()> quit) : quit_(std::move(quit)) {}
@@ -48,7 +48,7 @@ void setApplicationIcon() {
     const QIcon icon = TailscaleIcon::installed();
     if (!icon.isNull()) QApplication::setWindowIcon(icon);
 #else
-    // Drawn here: to read a picture file, Qt would first load every format that it knows.
+    // Rendered here, since reading an image file would load all of Qt's image format plugins.
     QSvgRenderer drawing(QString(":/icon/brevane.svg"));
     QIcon icon;
     for (const int size : {16, 32, 48, 64}) {
@@ -72,8 +72,8 @@ AppDelegate::~AppDelegate() {
 }
 
 void AppDelegate::applicationDidFinishLaunching() {
-    // The first control that screen readers hear of waits for the session bus, which is being asked
-    // meanwhile. What does not need it comes first.
+    // Creating the first accessible control blocks until the session bus has replied, so what does
+    // not need the bus comes first.
     setApplicationIcon();
     theme().loadFonts();
     service =
@@ -81,7 +81,7 @@ void AppDelegate::applicationDidFinishLaunching() {
                                  environment_.queue, environment_.preferences, environment_.pool);
     window = std::make_unique<MainWindow>(environment_.quit);
     window->setCentralWidget(new ContentView(*service, environment_.mainQueue));
-    // A menu bar waits for the session bus, so it is made when that has had time to answer.
+    // Creating a menu bar blocks until the session bus has replied, so it comes late.
     setupMenu();
 #ifndef __APPLE__
     window->setMenuBar(menuBar_.release());
@@ -93,7 +93,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     QApplication::setQuitOnLastWindowClosed(applicationShouldTerminateAfterLastWindowClosed());
     theme().awaitDesktop();
     bringToFront(*window);
-    // The commands would compete with the first frame for the processors.
+    // Commands would compete with the first frame for processor time.
     afterFirstFrame(*window, firstFramePatience, [this] { service->refresh(); });
 }
 

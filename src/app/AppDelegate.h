@@ -17,27 +17,27 @@ class SerialQueue;
 class ServerPool;
 class TailscaleService;
 
-/// Starts the application's parts and keeps them for its run. Main thread; made after the theme.
+/// Creates the application's parts and owns them. Main thread; created after the theme.
 class AppDelegate {
 public:
-    /// What the service works with. It all outlives the delegate, which however does not wait for a
-    /// command under way: destroying the queue does.
+    /// What the service uses; all of it outlives the delegate. The delegate's destructor does not
+    /// wait for a running command; the queue's does.
     struct Environment {
         const Configuration& configuration;
         MainQueue& mainQueue;
         SerialQueue& queue;
         Preferences& preferences;
         ServerPool& pool;
-        std::function<void()> quit; ///< asks the program to end
+        std::function<void()> quit; ///< requests the program's end
     };
 
     explicit AppDelegate(const Environment& environment);
-    /// Ends commands under way, then lets go of the window and the service.
+    /// Interrupts the running command, then destroys the window and releases the service.
     ~AppDelegate();
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
-    /// Makes menu bar, service and window, shows the window and, once it has been drawn, asks the
+    /// Creates service, window and menu bar, shows the window and, once it has been drawn, asks the
     /// service for a refresh.
     void applicationDidFinishLaunching();
 
@@ -46,10 +46,10 @@ public:
     /// Brings the main window to the front.
     void activate();
 
-    /// Ends the command under way; no other is started any more. Any thread once it is launched.
+    /// Interrupts the running command and starts no further one. Any thread, once launched.
     void interruptCommands();
 
-    /// The menu item.
+    /// Called by the menu item "About Brevane".
     void showAbout() { showAboutWindow(); }
 
     /// Shows the About panel, or brings the one that is visible to the front.

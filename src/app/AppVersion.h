@@ -6,11 +6,11 @@
 
 namespace brevane {
 
-/// What stands for the version of the program: on macOS "CFBundleShortVersionString" of its bundle,
-/// elsewhere what the build was given. Invalid where there is none.
+/// The program's version: on macOS "CFBundleShortVersionString" of its bundle, elsewhere the
+/// build's. Invalid if there is none.
 [[nodiscard]] QVariant shortVersionString();
 
-/// The version as shown: "1.0" where it is missing or not a text.
+/// The version as shown: "1.0" if it is missing or not a string.
 [[nodiscard]] QString appVersion(const QVariant& shortVersion);
 
 } // namespace brevane

@@ -20,11 +20,11 @@ struct Address {
     sockaddr_un value{};
     socklen_t size = sizeof(sa_family_t);
 
-    /// The empty name makes the kernel pick one.
+    /// An empty name makes the kernel pick one (autobind).
     explicit Address(std::string_view name) {
         value.sun_family = AF_UNIX;
         if (name.empty()) return;
-        // The abstract namespace is marked by a NUL before the name, a path has one behind.
+        // A name in the abstract namespace starts with a NUL; a path ends with one.
         const std::size_t start = name.starts_with('/') ? 0 : 1;
         const std::size_t length = std::min(name.size(), sizeof value.sun_path - 1);
         name.copy(value.sun_path + start, length);

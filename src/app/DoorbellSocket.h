@@ -9,14 +9,14 @@
 
 namespace brevane {
 
-/// A datagram socket (unix(7)) with which programs of one user ring for each other; rings of other
-/// users are dropped. Only `waitForRing` blocks. A name is the path of a file, or one in Linux's
-/// abstract namespace if it does not begin with a slash.
+/// A datagram socket (unix(7)) with which programs of one user signal each other; messages of other
+/// users are dropped. Only `waitForRing` blocks. A name is a file's path, or is in Linux's abstract
+/// namespace if it does not begin with a slash.
 class DoorbellSocket {
 public:
-    /// Under a name that the kernel picks, to ring from and be answered at.
+    /// Binds to an autobind address, which the reply is sent to.
     DoorbellSocket();
-    /// Under `name`. Where it is taken, nobody can ring here and `descriptor` is -1.
+    /// Binds to `name`. If that fails, nobody can ring here and `descriptor` returns -1.
     explicit DoorbellSocket(std::string_view name);
     ~DoorbellSocket();
     DoorbellSocket(const DoorbellSocket&) = delete;
@@ -28,14 +28,13 @@ public:
     };
     static constexpr std::size_t longestMessage = 1024; ///< in bytes; the rest is dropped
 
-    /// Queues the message at the socket with that name. Returns false if nobody has that name or
-    /// its queue is full.
+    /// Returns whether the message was queued at the socket of that name.
     bool ring(std::string_view name, std::string_view message = {});
 
-    /// Takes the oldest ring from the queue. Returns nothing if the queue is empty.
+    /// Takes the next ring and returns it; none if nobody has rung.
     [[nodiscard]] std::optional<Ring> nextRing();
 
-    /// Waits until somebody has rung, takes that ring away and says whether there was one.
+    /// Waits for a ring and takes it; returns false if there was none in time.
     [[nodiscard]] bool waitForRing(std::chrono::milliseconds timeout);
 
     /// For waiting in an event loop.

@@ -8,9 +8,9 @@ class QWidget;
 
 namespace brevane {
 
-/// Calls `action` once, when the widget has been painted for the first time and the event loop is
-/// free again; at the latest after `patience`, since a window that nobody can see is not painted.
-/// Not if the widget goes before. Main thread.
+/// Calls `action` once from the event loop after the widget's first paint; at the latest after
+/// `patience`, since a hidden window is not painted. Not called if the widget is destroyed first.
+/// Main thread.
 void afterFirstFrame(QWidget& widget, std::chrono::milliseconds patience,
                      std::function<void()> action);
 

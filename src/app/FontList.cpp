@@ -11,7 +11,7 @@ std::future<void> readFontList() {
 #ifdef __APPLE__
     return {};
 #else
-    // Qt finds the same configuration, since the process has only one.
+    // Qt uses the same configuration: Fontconfig has one per process.
     return std::async(std::launch::async, [] { FcInit(); });
 #endif
 }

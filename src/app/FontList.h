@@ -5,9 +5,9 @@
 
 namespace brevane {
 
-/// Begins to read which fonts the system has, on a thread of its own: a tenth of the time to the
-/// first frame, which would else pass when the first text is measured. Called before the
-/// QApplication is made; destroying the result waits for the end. On macOS there is nothing to do.
+/// Starts to read the system's font list on its own thread. It takes a tenth of the time to the
+/// first frame, and would otherwise block the first text measurement. Called before the
+/// QApplication is created; destroying the result joins the thread. Does nothing on macOS.
 [[nodiscard]] std::future<void> readFontList();
 
 } // namespace brevane

@@ -19,8 +19,8 @@ namespace brevane {
 
 namespace {
 
-// Allocates nothing: it may be memory that has run out. Static objects are not destroyed, as other
-// threads still use them.
+// Allocates nothing, since memory may have run out. _exit() does not destroy static objects, which
+// other threads still use.
 [[noreturn]] void end(std::string_view reason) {
     constexpr std::string_view before = "brevane: ";
     constexpr std::string_view after = "\n";
@@ -49,7 +49,7 @@ std::vector<QString> keptBack; // guarded by mutex
 
 void handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     const std::scoped_lock lock(mutex);
-    // Qt waits for ever for a thread that it could not start.
+    // Qt waits forever for a thread that it could not start.
     const bool lacksThread =
         isStarting && message.startsWith(QLatin1String("QThread::start: Thread creation error"));
     if (lacksThread) keptBack.clear();

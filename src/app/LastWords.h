@@ -3,13 +3,13 @@
 
 namespace brevane {
 
-/// Ends a program that cannot go on, since it gets no thread, descriptor or memory or has no
-/// display, with one line on standard error and status 1 instead of an abort: what no one catches
-/// and what Qt calls fatal comes here. What Qt warns of meanwhile is kept back, and its first
-/// warning is the line. Called once, before anything that may fail so.
+/// Makes uncaught exceptions and fatal Qt messages, such as for lack of a thread, descriptor,
+/// memory or display, end the program with one line on standard error and status 1 instead of an
+/// abort. Until `releaseMessages`, Qt's warnings are held back, and the first is that line. Called
+/// once, before anything that may fail this way.
 void installLastWords();
 
-/// Writes what has been kept back, since the program has started after all. Main thread.
+/// Prints the messages held back, once the program has started. Main thread.
 void releaseMessages();
 
 } // namespace brevane

@@ -13,8 +13,8 @@ namespace brevane {
 
 namespace {
 
-/// A text field drops its selection, which the Edit items are about, when the keyboard goes to the
-/// menu bar. This tells the focused widget that it goes to a popup menu instead.
+/// A text field drops its selection, which the Edit items act on, when the menu bar takes the
+/// focus. This filter reports a popup menu as the reason instead, which keeps the selection.
 class SelectionKeeper : public QObject {
 public:
     explicit SelectionKeeper(QObject* parent) : QObject(parent) {
@@ -44,8 +44,8 @@ QAction* addItem(QMenu& menu, const QString& text, const QKeySequence& key,
     return item;
 }
 
-/// Adds an item that calls a slot of the focused widget, "copy" for example. The text widgets of Qt
-/// have these slots; a widget that lacks it has nothing to act on.
+/// Adds an item that calls a slot of the focused widget, such as "copy", which Qt's text widgets
+/// have; it does nothing if the widget lacks that slot.
 void addEditItem(QMenu& menu, const QString& text, const QKeySequence& key, const char* slot) {
     addItem(menu, text, key, [slot] {
         QWidget* focused = QApplication::focusWidget();
@@ -53,7 +53,7 @@ void addEditItem(QMenu& menu, const QString& text, const QKeySequence& key, cons
         const QByteArray signature = QByteArray(slot) + "()";
         if (focused->metaObject()->indexOfSlot(signature) < 0) return;
         const bool changesText = signature != "copy()" && signature != "selectAll()";
-        // QLineEdit::cut does not look at this.
+        // QLineEdit::cut ignores the property.
         if (changesText && focused->property("readOnly").toBool()) return;
         QMetaObject::invokeMethod(focused, slot, Qt::DirectConnection);
     });

@@ -20,7 +20,7 @@ constexpr int logoWidth = 240;
 constexpr int wordmarkHeight = 58;
 constexpr int taglineHeight = 16;
 
-/// The font, made smaller where `text` would be wider than the logo in it.
+/// The font, made smaller if `text` would be wider than the logo.
 QFont fitted(QFont font, const QString& text) {
     const double needed = QFontMetricsF(font).horizontalAdvance(text);
     const double shrink = std::min(1.0, logoWidth / needed);

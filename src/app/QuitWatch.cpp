@@ -24,7 +24,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// Of the two seconds, what an end on the spot leaves for the kernel to clear up.
+// Leaves the kernel a tenth of the two seconds to release what the process holds.
 constexpr std::chrono::milliseconds limit{1900};
 
 constexpr std::array quitSignals{SIGTERM, SIGINT, SIGHUP};
@@ -34,12 +34,12 @@ static_assert(std::atomic<int>::is_always_lock_free, "read in a signal handler")
 
 extern "C" void wakeUp(int) {
     const int savedErrno = errno;
-    // A full pipe is as good: it is readable.
+    // A full pipe returns EAGAIN, but is readable, which is enough.
     static_cast<void>(!write(wakeUpEnd, "", 1));
     errno = savedErrno;
 }
 
-// Those that are not ignored.
+// Installs the handler for the signals that are not ignored, and returns them.
 sigset_t handledSignals() {
     sigset_t handled;
     sigemptyset(&handled);
@@ -76,8 +76,8 @@ struct QuitWatch::State {
         }
         std::this_thread::sleep_until(end);
 #ifdef __linux__
-        // The kernel keeps a process, and with it all that is open, while one of its threads waits
-        // for a file system that does not answer. Window, ports and the lock go all the same.
+        // The kernel keeps a process and its open descriptors while one of its threads waits for a
+        // file system that does not answer. Closing them frees window, ports and lock.
         closefrom(STDERR_FILENO + 1);
 #endif
         _exit(status);

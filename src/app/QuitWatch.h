@@ -8,29 +8,29 @@
 
 namespace brevane {
 
-/// Sees to it that a request to quit ends the process within two seconds, whatever its other
-/// threads wait for: on a thread of its own it asks for an orderly end, and ends the process on the
-/// spot when that takes too long. SIGTERM, SIGINT and SIGHUP are such requests, except those that
-/// were ignored when the program started (nohup). One to a process, for the rest of its life.
+/// Ends the process within two seconds of a request to quit, even if other threads are blocked: its
+/// own thread asks for an orderly end, and calls _exit() if that takes too long. SIGTERM, SIGINT
+/// and SIGHUP are such requests, except those that were ignored when the program started (nohup).
+/// One per process, for the rest of its life.
 class QuitWatch {
 public:
-    /// Made while there is one thread: those started later inherit from it that the signals are
-    /// blocked, so that only the watching thread gets them. Throws std::system_error where there
-    /// is no thread or descriptor left.
+    /// Created while there is one thread: it blocks the signals there, later threads inherit the
+    /// mask, and only the watching thread receives them. Throws std::system_error if there is no
+    /// thread or descriptor left.
     QuitWatch();
     QuitWatch(const QuitWatch&) = delete;
     QuitWatch& operator=(const QuitWatch&) = delete;
 
-    /// Has `quit` called once when there is a request, on the watching thread; if there has been
-    /// one already, at once. It must not block. It replaces the one before, which is not running
-    /// any more when this returns; an empty one takes it back.
+    /// Calls `quit` once, on the watching thread when a request arrives, or on the calling thread
+    /// if one has arrived already. It must not block. Replaces the previous function, which is
+    /// not running when this returns; an empty one only removes it.
     void onRequest(std::function<void()> quit);
 
-    /// Asks the process to end. `status` is for where it does not end in order. Any thread.
+    /// Requests the end; `status` is for _exit() if there is no orderly end. Any thread.
     void request(int status = EXIT_SUCCESS);
 
-    /// Lets the calling thread get the signals too for as long as it lives: a program that it
-    /// starts meanwhile begins with what the thread has blocked.
+    /// Unblocks the signals in the calling thread while it lives: a program that the thread starts
+    /// meanwhile inherits the signal mask.
     class Unblocked {
     public:
         Unblocked();
@@ -44,7 +44,7 @@ public:
 
 private:
     struct State;
-    const std::shared_ptr<State> state_; // the thread never ends, and holds it too
+    const std::shared_ptr<State> state_; // shared with the thread, which never ends
 };
 
 } // namespace brevane

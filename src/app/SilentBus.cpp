@@ -28,7 +28,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds longestSilence{1};
 
-// Where nobody can listen: connecting fails at once.
+// Nobody can listen here, so connecting fails at once.
 constexpr const char* nowhere = "unix:path=/dev/null";
 
 struct Call {
@@ -54,7 +54,7 @@ void appendField(std::string& message, char code, char type, std::string_view va
     message.append(value) += '\0';
 }
 
-// A method call without arguments, as the D-Bus Specification lays it out, in little-endian.
+// A method call without arguments, in the D-Bus Specification's little-endian format.
 std::string encode(const Call& call, std::uint32_t serial) {
     constexpr std::size_t fieldsLength = 12;
     constexpr char methodCall = 1;
@@ -74,8 +74,8 @@ std::string encode(const Call& call, std::uint32_t serial) {
     return message;
 }
 
-// The socket of an address such as "unix:path=/run/user/1000/bus,guid=0123"; none where it is of
-// another kind.
+// The socket of an address such as "unix:path=/run/user/1000/bus,guid=0123"; none if it is not a
+// Unix socket.
 std::optional<std::string> socketName(std::string_view address) {
     address = address.substr(0, address.find_first_of(",;"));
     for (const auto& [prefix, mark] :
@@ -86,12 +86,12 @@ std::optional<std::string> socketName(std::string_view address) {
     return std::nullopt;
 }
 
-// A connection for as long as it takes to see whether a bus answers. Where nobody listens there is
-// nothing to wait for either.
+// A connection that finds out whether a bus replies in time. If nobody listens, the bus is not
+// silent: Qt's own attempt fails at once too.
 class Conversation {
 public:
-    // Connects to the socket of this name, and waits for the answer to a greeting. False where it
-    // does not come.
+    // Connects to the socket of this name and waits for the reply to a greeting; false if none
+    // comes in time.
     [[nodiscard]] bool greet(const std::string& name) {
         sockaddr_un address{};
         address.sun_family = AF_UNIX;
@@ -111,7 +111,7 @@ public:
         return receive();
     }
 
-    // The address of the screen readers' bus; none where there is none or it is not said in time.
+    // The address of the accessibility bus; none if there is none or the reply comes too late.
     [[nodiscard]] std::optional<std::string> accessibilityBus() {
         send(encode(getAddress, 2));
         const auto start = await("unix:");
@@ -125,7 +125,7 @@ private:
             !::send(socket_.get(), message.data(), message.size(), MSG_NOSIGNAL | MSG_DONTWAIT));
     }
 
-    // Waits until the text has come, and says where it is in what has been received.
+    // Waits for the text and returns its position in `received_`; none if it does not come in time.
     std::optional<std::size_t> await(std::string_view text) {
         while (true) {
             const std::size_t found = received_.find(text);
@@ -134,7 +134,7 @@ private:
         }
     }
 
-    // Waits until there is more; false where there is nothing in time.
+    // Waits for more data; false if none comes in time.
     bool receive() {
         pollfd wait{.fd = socket_.get(), .events = POLLIN, .revents = 0};
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());

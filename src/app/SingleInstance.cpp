@@ -23,7 +23,7 @@ namespace brevane {
 
 namespace {
 
-// Longer than an instance may take to end.
+// Longer than an instance may take to quit.
 constexpr std::chrono::seconds patience{3};
 constexpr std::chrono::milliseconds between{20};
 
@@ -44,7 +44,7 @@ int openFolder(const std::filesystem::path& folder) {
     return open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
-// The same for every program with these preferences, whatever becomes of the folder meanwhile.
+// The same for every program with these preferences, even if the folder is deleted meanwhile.
 std::string nameFor(const std::filesystem::path& preferences) {
     std::error_code error;
     std::filesystem::path path = std::filesystem::weakly_canonical(preferences, error);
@@ -63,7 +63,7 @@ std::string nameFor(const std::filesystem::path& preferences) {
 SingleInstance::SingleInstance(const std::filesystem::path& preferences)
     : folder_(openFolder(runtimeFolder().value_or(preferences))), name_(nameFor(preferences)),
       lock_(openat(folder_.get(), (name_ + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
-      // The folder's own path may be longer than the address of a socket.
+      // The folder's own path may be longer than a socket's address.
       socketPath_("/proc/self/fd/" + std::to_string(folder_.get()) + "/" + name_) {}
 
 SingleInstance::~SingleInstance() {
@@ -75,13 +75,13 @@ SingleInstance::Claim SingleInstance::claim(const std::string& token) {
     DoorbellSocket caller;
     bool asked = false;
     do {
-        // Tried each time: who has the lock may be about to end.
+        // Tried each time, since the instance with the lock may be about to exit.
         if (flock(lock_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
-            unlink(socketPath_.c_str()); // left behind by one that crashed
+            unlink(socketPath_.c_str()); // left behind by an instance that crashed
             doorbell_ = std::make_unique<DoorbellSocket>(socketPath_);
             return Claim::first;
         }
-        // Refused while the other one is between its lock and its socket.
+        // Fails while the other instance has the lock but has not bound its socket yet.
         asked = asked || caller.ring(socketPath_, token);
         if (caller.waitForRing(between)) return Claim::otherAsked;
     } while (std::chrono::steady_clock::now() < deadline);

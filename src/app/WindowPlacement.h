@@ -5,11 +5,11 @@ class QWidget;
 
 namespace brevane {
 
-/// Puts a window that is not shown yet in the middle of its screen.
+/// Centres a window that is not shown yet on its screen.
 void centre(QWidget& window);
 
-/// Shows a window, if it is minimized too, in front of the others and gives it the keyboard, as far
-/// as the window system lets it.
+/// Shows a window, even if it is minimized, in front of the others and gives it the keyboard, as
+/// far as the window system allows.
 void bringToFront(QWidget& window);
 
 } // namespace brevane

@@ -38,11 +38,11 @@ namespace {
 
 using namespace brevane;
 
-/// A window takes 30. Libraries that get none write of it what they like.
+/// A window needs 30. Libraries that cannot open one print messages of their own.
 constexpr std::size_t neededDescriptors = 64;
 
-/// What a window takes of address space, its threads' stacks and heaps included. Libraries that get
-/// none crash, or wait for ever.
+/// The address space that a window needs, including its threads' stacks and heaps. Libraries that
+/// cannot allocate any crash or wait forever.
 constexpr std::size_t neededAddressSpace = std::size_t(512) << 20;
 
 bool isAddressSpaceFree(std::size_t size) {
@@ -51,7 +51,7 @@ bool isAddressSpaceFree(std::size_t size) {
     return memory != MAP_FAILED && munmap(memory, size) == 0;
 }
 
-/// Ends commands under way and waits for that and for the record. Set while there may be some.
+/// Ends running commands and waits for them and for the record. Set while there may be commands.
 std::function<void()> endCommands;
 
 int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaunched) {
@@ -62,7 +62,7 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     const QApplication application(argc, argv);
     const Theme theme;
 
-    // What is below uses what is above, also from its threads: the order of ending is the reverse.
+    // Each object uses those above it, also from its threads, so it is destroyed before them.
     ServerPool pool;
     const auto preferences = makeUserPreferences();
     QtMainQueue mainQueue;
@@ -71,8 +71,8 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     AppDelegate delegate(
         {configuration, mainQueue, *queue, *preferences, pool, [&] { quitWatch.request(); }});
 
-    // Qt calls exit() when the display goes away, which would destroy static objects under the
-    // threads that use them.
+    // Qt calls exit() when the connection to the display is lost, which would destroy static
+    // objects that other threads still use.
     endCommands = [&] {
         quitWatch.onRequest(nullptr);
         quitWatch.request(EXIT_FAILURE);
@@ -90,8 +90,8 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     hasLaunched(delegate);
     releaseMessages();
     quitWatch.onRequest([&] {
-        // What commands report from here on is dropped: one that is ended half-way looks as if it
-        // had failed, whatever it has made.
+        // Drop what commands report from here on: an interrupted command looks failed even if it
+        // has made its share.
         mainQueue.close();
         delegate.interruptCommands();
         QMetaObject::invokeMethod(
@@ -121,15 +121,14 @@ int main(int argc, char** argv) {
         std::fputs("brevane: too little memory may be used\n", stderr);
         return EXIT_FAILURE;
     }
-    // It is kept for when there is no descriptor left to ask with.
+    // Caches the result, since later there may be no descriptor left for the lookup.
     static_cast<void>(homeDirectory());
-    // A client that hangs up is an error of writing to it, and commands are waited for, whatever
-    // the program that started this one has set.
+    // Get EPIPE instead of SIGPIPE; undo an inherited SIGCHLD=SIG_IGN, which would break waitpid.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGCHLD, SIG_DFL);
 
 #ifdef __APPLE__
-    // The system itself starts an application only once.
+    // macOS itself starts an application only once.
     return run(argc, argv, [](AppDelegate&) {});
 #else
     // A Wayland compositor lets a window come to the front only with a token of what the user did.
