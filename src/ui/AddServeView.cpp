@@ -40,10 +40,10 @@ namespace {
 QLineEdit* makeField() {
     auto* field = new QLineEdit;
     field->setFont(theme().font(TextStyle::field));
-    // The usual limit would cut a pasted text without a word.
+    // The default limit (32767) would silently truncate a pasted text.
     field->setMaxLength(std::numeric_limits<int>::max());
     field->setTextMargins(5, 0, 5, 0);
-    // A file dropped on a field is for the form, which knows what to make of it.
+    // The form handles a file that is dropped on a field.
     field->setAcceptDrops(false);
     QObject::connect(&theme(), &Theme::changed, field,
                      [field] { field->setFont(theme().font(TextStyle::field)); });
@@ -104,16 +104,16 @@ void AddServeView::giveWay(bool on) {
 void AddServeView::pickPath() {
     const bool forFolder = draft_.sourceType == SourceType::directory;
     if (filePanel_ == nullptr) {
-        // Kept, since its own messages and menus are its children on the stack of an event loop
-        // that they run: deleting it when it closes would free those.
+        // Never deleted on close: its message boxes and menus are its children, live on the stack
+        // and run nested event loops, so deleting it would destroy them too.
         filePanel_ = new QFileDialog(this);
-        // Nothing is made or renamed here, folders included.
+        // Creates and renames nothing, not even folders.
         filePanel_->setOption(QFileDialog::ReadOnly);
         connect(filePanel_, &QFileDialog::fileSelected, this, &AddServeView::setSource);
     }
     filePanel_->setFileMode(forFolder ? QFileDialog::Directory : QFileDialog::ExistingFile);
     filePanel_->setOption(QFileDialog::ShowDirsOnly, forFolder);
-    // Not what was typed last, which may be a file where a folder is asked for.
+    // Drop what was typed last, which may be a file while a folder is asked for.
     if (auto* name = filePanel_->findChild<QLineEdit*>()) name->clear();
     filePanel_->open();
 }
@@ -141,7 +141,7 @@ void AddServeView::finishStart(ServeMode mode, bool success, const std::string& 
     redraw();
     if (errorMsg_.isEmpty()) return;
     announce(*errorRow_);
-    // Its place is not known before the form has been laid out anew.
+    // Its position is known only after the next layout pass.
     QMetaObject::invokeMethod(
         this, [this] { scroll_->ensureWidgetVisible(errorRow_); }, Qt::QueuedConnection);
 }
@@ -217,7 +217,7 @@ void AddServeView::paintEvent(QPaintEvent* event) {
                    theme().color(&Colors::focus), 2);
 }
 
-// The controls are made in the order in which they are read, which is the order of the focus.
+// The order of creation is the focus order.
 void AddServeView::makeControls() {
     modeDescription_ = makeCaption();
     sourceType_ = new PopUp;
@@ -262,7 +262,7 @@ QWidget* AddServeView::makeOptionsSection() {
     auto* section = new FormSection(tr("Options"));
     auto* caption = makeCaption(tr("Share persists after this window closes"));
     background_->setAccessibleDescription(caption->text());
-    // Under the box's title, not under the box.
+    // Indented to the check box's text.
     caption->setIndent(0);
     caption->setContentsMargins(theme().scaled(15) + Theme::near, 0, 0, 0);
     auto* titled = new QVBoxLayout;
@@ -306,7 +306,7 @@ void AddServeView::layOut() {
     pathSection_ = makePathSection();
     previewSection_ = makePreview();
     errorRow_ = makeErrorRow();
-    // Nothing is measured for what has nothing to show yet.
+    // Hidden while empty, which also avoids measuring them.
     previewSection_->hide();
     errorRow_->hide();
 

@@ -26,28 +26,28 @@ class SelectableText;
 class AddServeView : public Surface {
     Q_OBJECT
 public:
-    /// `onAdded` is called with the message that says that a share has been made. The service
+    /// `onAdded` is called with the message to show when a share has been made. The service
     /// outlives the view.
     AddServeView(TailscaleService& service, std::function<void(const QString& message)> onAdded,
                  QWidget* parent = nullptr);
 
-    /// Whether new shares are serves or funnels, which is chosen elsewhere.
+    /// Selects whether a new share is a serve or a funnel.
     void setMode(ServeMode mode);
 
-    /// Gives up part of the padding under the start button.
+    /// Reduces the padding under the start button by `givesWay`, or restores it.
     void giveWay(bool on);
-    static constexpr int givesWay = 12; ///< how much of it
+    static constexpr int givesWay = 12;
 
-    /// Gives the keyboard to the field that a share begins with.
+    /// Gives the focus to the source field.
     void focusSource();
 
-    /// Opens the desktop's file chooser for a file or a folder. Returns at once.
+    /// Opens the desktop's file chooser for a file or a folder. Does not block.
     void pickPath();
 
-    /// Makes the share, if there is enough to make one of and none is being made.
+    /// Makes the share, if the draft is complete and none is being made.
     void start();
 
-    /// Shows what the service publishes now.
+    /// Shows the draft and what the service publishes.
     void redraw();
 
     [[nodiscard]] const ShareDraft& currentDraft() const { return draft_; }
@@ -84,7 +84,7 @@ private:
     FormSection* sourceSection_;
     QLineEdit* source_;
     IconButton* browse_;
-    QFileDialog* filePanel_ = nullptr; // Made by pickPath().
+    QFileDialog* filePanel_ = nullptr; // created by the first pickPath()
     Label* sourceHint_;
     QWidget* pathSection_;
     QLineEdit* urlPath_;

@@ -35,7 +35,7 @@ void applyTheme(QMessageBox& box) {
     }
 }
 
-// A window that is blocked by a question takes no keys; the question takes them in its place.
+// A window blocked by a modal dialog gets no shortcuts, so the dialog handles them.
 void takeMenuKeys(QMessageBox& box) {
     const auto* window = qobject_cast<const QMainWindow*>(box.parentWidget());
     const auto* bar = window ? window->menuWidget() : nullptr;
@@ -52,7 +52,7 @@ QMessageBox* openConfirmation(const QString& title, const QString& message,
                               std::function<void()> destroy) {
     auto* box = new QMessageBox(parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    // Qt would make it an alert, which is what errors are.
+    // Qt's default role is an alert, which is for errors.
     setAccessibleRole(*box, QAccessible::Dialog);
     box->setAccessibleName(title);
     box->setAccessibleDescription(message);

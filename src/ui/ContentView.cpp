@@ -44,7 +44,7 @@ ContentView::ContentView(TailscaleService& service, MainQueue& mainQueue, QWidge
     split_->setChildrenCollapsible(false);
     QWidget* const left = makeLeftPane();
     QWidget* const right = makeRightPane();
-    // A splitter measures what it gets: it should be what will be shown.
+    // A splitter measures the panes when they are added, so fill them first.
     redraw();
     split_->addWidget(left);
     split_->addWidget(right);
@@ -55,7 +55,7 @@ ContentView::ContentView(TailscaleService& service, MainQueue& mainQueue, QWidge
         leftWanted_ = std::min(leftIdeal, split_->sizes()[0]);
         rightWanted_ = split_->sizes()[1];
     });
-    // A splitter puts each new pane before the others, which is the order that screen readers take.
+    // A splitter stacks its panes in reverse, and screen readers read them in stacking order.
     split_->widget(0)->lower();
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -110,8 +110,8 @@ QWidget* ContentView::makeRightPane() {
     auto* column = new QVBoxLayout(pane);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
-    // What the toast takes from the window it takes from here and from the form's padding, so that
-    // the form stays as it is.
+    // Reserves the toast's height together with the form's bottom padding, so that the toast does
+    // not move or resize the form.
     auto* toastPlace = new QWidget;
     const auto resizePlace = [this, toastPlace] {
         toastPlace->setFixedHeight(toast_->sizeHint().height() - AddServeView::givesWay);
@@ -131,16 +131,17 @@ void ContentView::showToast(const QString& message) {
     toast_->showToast(message);
 }
 
-// Where there is not enough for both panes, the list gives way last.
+// As the window narrows, first the list shrinks to its wanted width, then the form to its least
+// one, then the list again.
 void ContentView::shareWidth() {
     const int both = width() - split_->handleWidth();
-    // Larger text needs more of it.
+    // Larger text needs a wider form.
     const int least = std::min(rightWanted_, theme().scaled(rightMinimum));
     const int right = std::clamp(both - leftWanted_, least, rightWanted_);
     split_->setSizes({both - right, right});
 }
 
-// Both headers are as high as the higher one needs to be.
+// Both headers get the height of the taller one.
 void ContentView::matchHeaderHeights() {
     constexpr int least = 56;
     const int right = modeHeader_->heightForWidth(modeHeader_->width());
@@ -149,7 +150,7 @@ void ContentView::matchHeaderHeights() {
     modeHeader_->setFixedHeight(headerHeight);
 }
 
-// A scroll area by itself follows only a focus that moves within it.
+// A scroll area scrolls only to a focus that moves within it.
 bool ContentView::focusNextPrevChild(bool next) {
     const bool moved = QWidget::focusNextPrevChild(next);
     QWidget* const focused = window()->focusWidget();
@@ -217,15 +218,15 @@ void ContentView::stop(const ServeEntry& entry, std::function<void()> finished) 
 }
 
 void ContentView::failToStop(const std::string& output) {
-    // The refresh that every stop begins has queued a task that clears the error. Queued behind it,
-    // this one is not wiped before anyone has seen it.
+    // The refresh that follows every stop has queued a task that clears the error. Queue this one
+    // after it, so that the message stays.
     mainQueue_.post([view = QPointer(this), message = std::string(stopFailedMessage(output))] {
         if (view) view->service_.lastError.set(message);
     });
 }
 
 void ContentView::confirmReset(ResetTarget target) {
-    // What the open question asks about is what it will do.
+    // An open question keeps its target.
     if (showResetConfirm_) return;
     resetTarget_ = target;
     const ResetTexts texts = resetTexts(target);

@@ -24,23 +24,23 @@ class ShareList;
 class StatusHeader;
 class ToastBar;
 
-/// Everything in the main window: the shares on the left, the form for a new one on the right, and
-/// under both a message for a few seconds. It shows what the service publishes, redrawing once per
-/// turn of the event loop however much has changed, and calls the service's operations.
+/// The main window's content: the shares on the left, the form for a new one on the right, and
+/// under both a message for a few seconds. Shows what the service publishes, redrawing at most once
+/// per turn of the event loop, and calls the service's operations.
 class ContentView : public QWidget {
     Q_OBJECT
 public:
-    /// The service and the main queue, which is the one that the service uses, outlive the view.
+    /// The service and its main queue outlive the view.
     ContentView(TailscaleService& service, MainQueue& mainQueue, QWidget* parent = nullptr);
     ~ContentView() override;
 
-    /// Shows a message for three seconds, in place of any that is still shown.
+    /// Shows a message for three seconds, replacing one that is still shown.
     void showToast(const QString& message);
 
-    /// What the last reset that was asked for is about, whether or not it was confirmed.
+    /// The target of the last reset requested, whether confirmed or not.
     [[nodiscard]] ResetTarget currentResetTarget() const { return resetTarget_; }
 
-    /// Calls the service for the reset that is pending.
+    /// Performs the last reset requested.
     void performReset();
 
 protected:
@@ -64,8 +64,8 @@ private:
     MainQueue& mainQueue_;
     ResetTarget resetTarget_ = ResetTarget::all;
     QPointer<QMessageBox> showResetConfirm_;
-    int leftWanted_;  ///< how narrow the list is before the form begins to give way
-    int rightWanted_; ///< how wide the form is where there is enough
+    int leftWanted_;  ///< the list's width at which the form starts to shrink
+    int rightWanted_; ///< the form's width if there is room
     bool redrawScheduled_ = false;
     bool entriesChanged_ = true;
     bool errorChanged_ = true;

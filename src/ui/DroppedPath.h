@@ -15,8 +15,7 @@ struct DroppedPath {
     bool isFolder;
 };
 
-/// The one local file or folder among what is dragged; nothing for several, for anything remote and
-/// for what does not exist.
+/// The dragged local file or folder; none if there are several, or it is remote or does not exist.
 [[nodiscard]] std::optional<DroppedPath> droppedPath(const QMimeData& data);
 
 } // namespace brevane

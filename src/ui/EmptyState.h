@@ -5,7 +5,7 @@
 
 namespace brevane {
 
-/// What stands in the place of the list while there are no shares.
+/// Replaces the list while there are no shares.
 class EmptyState : public QWidget {
     Q_OBJECT
 public:

@@ -19,7 +19,7 @@ ErrorBanner::ErrorBanner(QWidget* parent)
 
     auto* warning =
         new SymbolView(QStringLiteral("exclamationmark.triangle.fill"), &Colors::orange, 12);
-    // All three stand on the line of the first words.
+    // Aligns symbol, text and button with the text's first line.
     const int line = clear->sizeHint().height();
     warning->setFixedHeight(line);
     auto* words = new QVBoxLayout;

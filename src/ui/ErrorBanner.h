@@ -7,13 +7,13 @@ namespace brevane {
 
 class SelectableText;
 
-/// The last failure, until it is cleared.
+/// Shows the last error until it is cleared.
 class ErrorBanner : public Surface {
     Q_OBJECT
 public:
     explicit ErrorBanner(QWidget* parent = nullptr);
 
-    /// Shows the text and has it spoken; hides with the empty text.
+    /// Shows the text and announces it if it has changed; an empty text hides the banner.
     void setError(const QString& error);
 
 Q_SIGNALS:

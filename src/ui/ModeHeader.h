@@ -8,7 +8,7 @@ namespace brevane {
 
 class Label;
 
-/// The top of the right pane: whether a new share is for the tailnet or for everyone.
+/// The top of the right pane: selects whether a new share is for the tailnet or for everyone.
 class ModeHeader : public Surface {
     Q_OBJECT
 public:

@@ -27,8 +27,8 @@ SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
         connect(item, &QAction::triggered, this,
                 [this, chosen = target] { Q_EMIT resetRequested(chosen); });
     }
-    // For screen readers, which say that there is a menu. It opens from here: the button would wait
-    // for it to close.
+    // setMenu() is for screen readers, which then report the menu. It is opened here without
+    // blocking: the button would run a nested event loop.
     more->setMenu(menu);
     more->setPopupMode(QToolButton::MenuButtonPopup);
     connect(more, &IconButton::clicked, this, [more, menu] {
@@ -37,7 +37,7 @@ SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
     });
 
     auto* row = new QHBoxLayout(this);
-    // The button's symbol, not its edge, is in line with what stands above and below.
+    // Aligns the button's symbol, not its edge, with the rows above and below.
     row->setContentsMargins(Theme::headerPadding, 4, Theme::headerPadding, 4);
     row->addWidget(new Label(TextStyle::subheadline, &Colors::secondary, tr("Active Shares")));
     row->addStretch();

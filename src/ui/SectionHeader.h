@@ -7,7 +7,7 @@
 
 namespace brevane {
 
-/// The capitals above one kind of share.
+/// The heading, in capitals, above one kind of share.
 class SectionHeader : public QWidget {
     Q_OBJECT
 public:

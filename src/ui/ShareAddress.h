@@ -5,8 +5,8 @@
 
 namespace brevane {
 
-/// The address of a share on one line. A public one is followed by a tag, which keeps its distance
-/// from the text however much of that is shown.
+/// The address of a share on one line. A public one is followed by a tag, placed right after the
+/// text even if that is shortened.
 class ShareAddress : public Label {
     Q_OBJECT
 public:
@@ -14,7 +14,7 @@ public:
 
     void setPublic(bool on);
 
-    /// Where the tag is drawn; empty without one.
+    /// The tag's rectangle; empty if there is none.
     [[nodiscard]] QRect tagRect() const;
 
 protected:

@@ -70,7 +70,7 @@ void ShareList::setShares(std::vector<ServeEntry> entries,
     const auto focused = focusedPlace();
     const QPointer<ShareRowView> focusedRow = focused ? rows_[focused->index] : nullptr;
     const int scrolled = verticalScrollBar()->value();
-    // The rows in view with where they are, from the topmost.
+    // The visible rows and their positions, topmost first.
     std::vector<std::pair<QPointer<ShareRowView>, int>> inView;
     if (scrolled > 0)
         for (ShareRowView* row : rows_)
@@ -130,11 +130,11 @@ void ShareList::arrange(const Section& section, const std::vector<ShareRowView*>
         if (item != nullptr && item->widget() == row) continue;
         isReordered = isReordered || item != nullptr;
         section.layout->insertWidget(i, row);
-        // The layout would show it, and count it, only after the next turn of the event loop.
+        // The layout would show and measure it only after the next turn of the event loop.
         row->show();
     }
     section.layout->setEnabled(true);
-    // A screen reader takes them in the order in which they lie above one another.
+    // Screen readers read them in stacking order.
     if (isReordered)
         for (ShareRowView* row : rows)
             row->raise();
@@ -142,11 +142,11 @@ void ShareList::arrange(const Section& section, const std::vector<ShareRowView*>
     section.list->setVisible(!rows.empty());
 }
 
-// Qt puts a new control at the end of the window's order of focus, not where it lies.
+// Qt appends a new control to the window's focus order, wherever it is placed.
 void ShareList::orderFocus() {
-    // Only what takes the focus can be a place in that order.
+    // setTabOrder() ignores a widget that takes no focus.
     setFocusPolicy(Qt::TabFocus);
-    // From the last to the first, since Qt searches what lies between a control and its new place.
+    // From last to first, since Qt searches the widgets between a control and its new place.
     for (ShareRowView* row : std::ranges::reverse_view(rows_)) {
         setTabOrder(this, row->stopButton());
         setTabOrder(this, row->copyButton());
@@ -154,7 +154,7 @@ void ShareList::orderFocus() {
     setFocusPolicy(Qt::NoFocus);
 }
 
-// Otherwise rows lie where they are laid out only after the next turn of the event loop.
+// Otherwise rows reach their positions only after the next turn of the event loop.
 void ShareList::layOutNow() {
     if (!isVisible()) return;
     for (const Section& section : {serves_, funnels_})
@@ -194,7 +194,7 @@ std::optional<ShareList::Place> ShareList::focusedPlace() const {
 void ShareList::focusOn(Place place) {
     ShareRowView* row = rows_[place.index];
     (place.isStopButton ? row->stopButton() : row->copyButton())->setFocus(Qt::TabFocusReason);
-    // The first row in sight means its heading too.
+    // Also show the heading above the first row.
     if (place.index == 0)
         verticalScrollBar()->setValue(0);
     else
@@ -245,7 +245,7 @@ void ShareList::stopShare(const ServeEntry& entry) {
     });
 }
 
-// A stop takes all shares of its port.
+// A stop affects all shares of its port.
 void ShareList::markStopping() {
     for (ShareRowView* row : rows_)
         row->setStopping(!stoppingPorts_.empty() &&

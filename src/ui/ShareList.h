@@ -21,20 +21,20 @@ namespace brevane {
 class SectionHeader;
 class ShareRowView;
 
-/// The shares, serves above funnels, in a list that scrolls. When the shares are read anew, rows,
-/// focus, pointer, open questions and the scroll position stay with the share that they were at.
+/// The shares, serves above funnels, in a scrolling list. After a refresh, each share keeps its
+/// row, focus, hover, open question and place in the view.
 class ShareList : public QScrollArea {
     Q_OBJECT
 public:
     using CopyAction = std::function<void(const QString& url)>;
-    /// Stops the entry's port and calls `finished` on the main thread when that has been answered.
+    /// Stops the entry's port and calls `finished` on the main thread when the command has ended.
     using StopAction = std::function<void(const ServeEntry& entry, std::function<void()> finished)>;
 
     ShareList(CopyAction onCopy, StopAction onStop, QWidget* parent = nullptr);
 
     void setShares(std::vector<ServeEntry> entries, const ManagedServers::InfoMap& managedServers);
 
-    /// From top to bottom.
+    /// The rows from top to bottom.
     [[nodiscard]] const std::vector<ShareRowView*>& rows() const { return rows_; }
 
 protected:
@@ -48,12 +48,12 @@ private:
         QWidget* list;
         QVBoxLayout* layout;
     };
-    /// What makes a share the same share after a refresh, which gives every entry a new `id`.
+    /// Identifies a share across refreshes, each of which assigns new `id`s.
     struct Key {
         std::string hostPort;
         std::string urlPath;
         ServeEntry::HandlerType handlerType;
-        std::size_t occurrence; ///< how many shares before it have the same three values
+        std::size_t occurrence; ///< number of shares before it with the same three values
 
         bool operator<(const Key& other) const;
     };

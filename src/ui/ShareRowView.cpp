@@ -19,7 +19,7 @@
 
 namespace brevane {
 
-/// The kind of share as a symbol on a rounded ground.
+/// The kind of share as a symbol on a rounded background.
 class ShareRowView::Badge : public QWidget {
 public:
     explicit Badge(QWidget* parent) : QWidget(parent) { setFixedSize(side, side); }
@@ -112,7 +112,7 @@ void ShareRowView::setStopping(bool on) {
     describeButtons();
 }
 
-// Which of the many buttons of the same name it is.
+// Every row's buttons have the same names; the description distinguishes them.
 void ShareRowView::describeButtons() {
     copy_->setAccessibleDescription(url_);
     stop_->setAccessibleDescription(stopping_ ? tr("Stopping, %1").arg(url_) : url_);
@@ -146,7 +146,7 @@ void ShareRowView::leaveEvent(QEvent*) {
 }
 
 bool ShareRowView::event(QEvent* event) {
-    // Claimed before the menu's own Copy, which is for text fields.
+    // Takes precedence over the menu's Copy, which is for text fields.
     if (event->type() == QEvent::ShortcutOverride &&
         static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy)) {
         event->accept();

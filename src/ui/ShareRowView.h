@@ -27,21 +27,21 @@ public:
                  std::function<void(const ServeEntry& entry)> onStop, QWidget* parent = nullptr);
     ~ShareRowView() override;
 
-    /// Shows the share as it has been read now. The pointer, the focus and an open question stay.
+    /// Shows the share as last read. Hover, focus and an open question stay.
     void showShare(const ServeEntry& entry, const std::optional<ManagedServerInfo>& managed);
 
     [[nodiscard]] const ServeEntry& entry() const { return entry_; }
 
-    /// Marks the row, and keeps it from being stopped again, until the command has answered.
+    /// Marks the row as being stopped, which disables its stop button.
     void setStopping(bool on);
     [[nodiscard]] bool isStopping() const { return stopping_; }
 
     void setHovered(bool on);
     [[nodiscard]] bool isHovered() const { return hovered_; }
 
-    /// Asks whether to stop the share's port, and on a yes calls `onStop`.
+    /// Asks whether to stop the share's port; if confirmed, calls `onStop`.
     void confirmStop();
-    /// The question, while it is open.
+    /// The question while it is open, otherwise null.
     [[nodiscard]] QMessageBox* stopConfirmation() const;
 
     [[nodiscard]] IconButton* copyButton() const { return copy_; }

@@ -12,7 +12,7 @@
 
 namespace brevane {
 
-/// The filled circle before the status: green when connected, else red.
+/// The filled circle before the status: green if connected, otherwise red.
 class StatusHeader::Dot : public QWidget {
 public:
     Dot() { setFixedSize(6, 6); }

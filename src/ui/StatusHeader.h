@@ -12,8 +12,7 @@ class Label;
 class Spinner;
 class SymbolView;
 
-/// The top of the left pane: the application, the connection's state and the command that reads it
-/// anew.
+/// The top of the left pane: the application's name, the connection's state and the refresh button.
 class StatusHeader : public Surface {
     Q_OBJECT
 public:

@@ -21,8 +21,8 @@ namespace brevane {
 #ifndef __APPLE__
 namespace {
 
-/// Whether some icon theme has an application icon of this name. To find one icon, Qt reads the
-/// whole theme, which takes as long as laying out the window; looking for the file does not.
+/// Whether some icon theme has an application icon of this name. To find one, Qt reads the whole
+/// theme, which takes as long as laying out the window; glob() is faster.
 bool someThemeHas(const QString& name) {
     const QString files = QStringLiteral("/*/{*/apps,apps/*}/%1.*").arg(name);
     const QStringList folders = QIcon::themeSearchPaths();
@@ -43,7 +43,7 @@ TailscaleIcon::TailscaleIcon(int size, QWidget* parent) : QWidget(parent), icon_
 
 QIcon TailscaleIcon::installed() {
 #ifdef __APPLE__
-    // An icon has all sizes that the file holds, a pixmap only the first; a missing file has none.
+    // A QIcon has every size in the file, a QPixmap only the first; a missing file has none.
     const QIcon icon(QStringLiteral("/Applications/Tailscale.app/Contents/Resources/AppIcon.icns"));
     return icon.availableSizes().isEmpty() ? QIcon() : icon;
 #else
@@ -53,7 +53,7 @@ QIcon TailscaleIcon::installed() {
 }
 
 void TailscaleIcon::changeEvent(QEvent* event) {
-    // The icon theme is part of the desktop's theme.
+    // The desktop's theme includes its icon theme.
     if (event->type() == QEvent::ThemeChange) {
         icon_ = installed();
         update();
@@ -72,8 +72,8 @@ void TailscaleIcon::paintEvent(QPaintEvent*) {
 void TailscaleIcon::drawFallback(QPainter& painter) const {
     const QColor ground = QColor::fromRgbF(0, 0.42F, 0.75F);
     drawRoundedBox(painter, rect(), 0.22 * width(), ground);
-    // A symbol's box is larger than the font size that it goes with. As odd or even as the ground
-    // is, it has the same distance from all sides.
+    // A symbol's box is larger than its font size. Subtracting an even number from the width keeps
+    // it centred to the pixel.
     const int margin = qRound((1 - 0.45 * 16 / 13) * width() / 2);
     const int symbolSize = width() - 2 * margin;
     drawSymbol(painter, rect(), QStringLiteral("antenna.radiowaves.left.and.right"), Qt::white,

@@ -6,13 +6,13 @@
 
 namespace brevane {
 
-/// The Tailscale application's icon, or where that application is not installed one of our own.
+/// The icon of the installed Tailscale application, or one of our own if it is not installed.
 class TailscaleIcon : public QWidget {
     Q_OBJECT
 public:
     explicit TailscaleIcon(int size, QWidget* parent = nullptr);
 
-    /// Looks for the installed application's icon; null if there is none.
+    /// The installed application's icon; null if there is none.
     [[nodiscard]] static QIcon installed();
 
 protected:

@@ -9,13 +9,13 @@ namespace brevane {
 
 class Label;
 
-/// A message across the bottom of the window that goes by itself.
+/// A message across the bottom of the window that hides itself.
 class ToastBar : public Surface {
     Q_OBJECT
 public:
     explicit ToastBar(QWidget* parent = nullptr);
 
-    /// Shows the message in place of any other, for three seconds from now.
+    /// Shows and announces the message for three seconds, replacing any other.
     void showToast(const QString& message);
 
     static constexpr int shownForMs = 3000;

@@ -12,8 +12,8 @@ namespace {
 
 constexpr auto roleProperty = "brevaneAccessibleRole";
 
-/// A tool button whose press never waits: Qt's own runs a menu in an event loop of its own, and
-/// leaves the screen reader without an answer until the menu closes.
+/// A tool button whose press action does not block: Qt's runs the menu in a nested event loop and
+/// replies to the screen reader only when the menu closes.
 class ToolButtonInterface : public QAccessibleWidget {
 public:
     explicit ToolButtonInterface(QToolButton* button)
@@ -53,8 +53,8 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
         return new QAccessibleWidget(widget, static_cast<QAccessible::Role>(role.toInt()));
     if (className == u"QToolButton")
         return new ToolButtonInterface(static_cast<QToolButton*>(object));
-    // Qt's own reads past the end of its list when it is asked for a child that is gone, as by a
-    // reader that has counted a scroll bar that is hidden before it asks for it.
+    // Qt's interface reads past the end of its child list if asked for a child that is gone, such
+    // as a scroll bar that was hidden after the reader had counted it.
     if (className == u"QAbstractScrollArea" || className == u"QScrollArea")
         return new QAccessibleWidget(widget, QAccessible::Client);
     return nullptr;
@@ -76,7 +76,7 @@ void announce(QWidget& widget) {
     QAccessibleAnnouncementEvent announcement(&widget, widget.accessibleName());
     QAccessible::updateAccessibility(&announcement);
 #else
-    // An alert that shows is what makes the readers of these releases speak.
+    // Before 6.8, screen readers speak when an alert is shown.
     for (const auto what :
          {QAccessible::NameChanged, QAccessible::ObjectShow, QAccessible::Alert}) {
         QAccessibleEvent event(&widget, what);

@@ -7,16 +7,16 @@ class QWidget;
 
 namespace brevane {
 
-/// Has screen readers ask Brevane's own interfaces where Qt's would harm. Called once, before any
-/// widget is made.
+/// Installs Brevane's accessible interfaces: for widgets with a role of their own, and in place of
+/// those of Qt's that block or crash. Called once, before any widget is created.
 void installAccessibleInterfaces();
 
-/// Gives a widget another role than its class has, for screen readers. Its name stays the widget's
-/// accessible name. Called before the widget gets that name, with which its role becomes fixed.
+/// Overrides the role of a widget's class for screen readers. Called before the widget gets its
+/// accessible name, since Qt then creates the interface, and with it the role.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
-/// Has the screen reader speak the accessible name of `widget`, which has just been shown or has
-/// changed, without moving the focus.
+/// Makes the screen reader speak the accessible name of `widget` without moving the focus, after it
+/// has been shown or has changed.
 void announce(QWidget& widget);
 
 } // namespace brevane

@@ -19,7 +19,7 @@ using Kind = PushButton::Kind;
 bool isDown(const QStyleOption& option) {
     return option.state & QStyle::State_Sunken;
 }
-// Whether the pointer is over it and it can be pressed.
+// Disabled buttons do not react to the pointer.
 bool isHovered(const QStyleOption& option) {
     return (option.state & QStyle::State_MouseOver) && (option.state & QStyle::State_Enabled);
 }
@@ -59,7 +59,7 @@ void drawFocus(QPainter& painter, const QStyleOption& option, Kind kind) {
 
 void drawPushButton(QPainter& painter, const QStyleOptionButton& option, const PushButton& button) {
     const Colors& c = theme().colors();
-    // What can be read when it cannot be pressed says what would have to be filled in.
+    // A disabled button keeps readable text.
     const bool quiet = !(option.state & QStyle::State_Enabled) && !button.isBusy();
     drawGround(painter, option, button.kind(), quiet ? c.track : c.*button.tint());
     const QColor ink = quiet                              ? c.secondary
@@ -70,7 +70,7 @@ void drawPushButton(QPainter& painter, const QStyleOptionButton& option, const P
         drawSymbol(painter, parts.symbol, button.symbol(), ink, theme().symbolSize(12));
     painter.setPen(ink);
     painter.drawText(parts.text, Qt::AlignVCenter | Qt::AlignLeft, option.text);
-    // On a quiet ground the ring of a filled button would not show.
+    // The ring of a filled button would be invisible on a disabled one's background.
     drawFocus(painter, option, quiet ? Kind::plain : button.kind());
 }
 
@@ -79,7 +79,7 @@ void drawDialogButton(QPainter& painter, const QStyleOptionButton& option, bool 
     drawGround(painter, option, kind, theme().color(&Colors::redFill));
     painter.setPen(theme().color(isDestructive ? &Colors::onFill : &Colors::text));
     painter.drawText(option.rect, Qt::AlignCenter | Qt::TextHideMnemonic, option.text);
-    // What Return will do shows, whether or not the keyboard has been used before.
+    // Always show the button that Return presses, even before the keyboard is used.
     QStyleOptionButton answer = option;
     if (answer.state & QStyle::State_HasFocus) answer.state |= QStyle::State_KeyboardFocusChange;
     drawFocus(painter, answer, kind);

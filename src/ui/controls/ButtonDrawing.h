@@ -10,10 +10,10 @@ namespace brevane {
 class IconButton;
 class PushButton;
 
-/// One of the window's own buttons with a text.
+/// One of the window's text buttons.
 void drawPushButton(QPainter& painter, const QStyleOptionButton& option, const PushButton& button);
 
-/// A button of a dialog: edged, or filled with red if it destroys something.
+/// A button of a dialog: outlined, or filled with red if it destroys something.
 void drawDialogButton(QPainter& painter, const QStyleOptionButton& option, bool isDestructive);
 
 /// A button that shows a symbol.

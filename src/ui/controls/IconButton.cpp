@@ -47,7 +47,7 @@ void IconButton::resizeEvent(QResizeEvent* event) {
     placeSpinner();
 }
 
-// Qt asks a widget that is disabled under the focus to hand it on.
+// Qt calls this on a focused widget that is disabled; true keeps the focus.
 bool IconButton::focusNextPrevChild(bool next) {
     return !isEnabled() || QToolButton::focusNextPrevChild(next);
 }
@@ -58,7 +58,7 @@ void IconButton::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Enter:
         click();
         break;
-    // A tool button takes these for Tab; here they are for what the button lies in.
+    // A tool button moves the focus with these; leave them to the widget around it.
     case Qt::Key_Up:
     case Qt::Key_Down:
     case Qt::Key_Left:

@@ -10,7 +10,7 @@ namespace brevane {
 class Spinner;
 
 /// A borderless button that shows a symbol. Its tooltip is also its accessible name. Drawn by the
-/// style. Keeps the keyboard's focus while it is disabled under it.
+/// style. Keeps the focus when it is disabled.
 class IconButton : public QToolButton {
     Q_OBJECT
 public:
@@ -20,11 +20,11 @@ public:
     [[nodiscard]] const QString& symbol() const { return symbol_; }
     [[nodiscard]] ColorRole color() const { return color_; }
 
-    /// How much of the symbol's colour shows while nothing points at the button.
+    /// The symbol's opacity while the button is neither hovered nor focused.
     void setSymbolOpacity(double opacity) { symbolOpacity_ = opacity; }
     [[nodiscard]] double symbolOpacity() const { return symbolOpacity_; }
 
-    /// Draws an edge around it, as beside a text field.
+    /// Draws a border, as beside a text field.
     void setBordered(bool on) { bordered_ = on; }
     [[nodiscard]] bool isBordered() const { return bordered_; }
 

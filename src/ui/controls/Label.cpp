@@ -49,7 +49,7 @@ void Label::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(theme().color(color_));
     if (elided_) {
-        // Addresses and paths read from left to right in every language.
+        // Addresses and paths are written left to right in every language.
         painter.setLayoutDirection(Qt::LeftToRight);
         const auto side = QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft);
         painter.drawText(rect(),
@@ -62,7 +62,7 @@ void Label::paintEvent(QPaintEvent*) {
 }
 
 bool Label::event(QEvent* event) {
-    // Asked for when it is wanted: to know whether a text is shortened takes long.
+    // Set only on demand, since measuring whether a text is elided is slow.
     if (event->type() == QEvent::ToolTip && elided_)
         setToolTip(shownText() == onOneLine(text()) ? QString() : plainToolTip(text()));
     return QLabel::event(event);

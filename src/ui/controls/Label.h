@@ -7,30 +7,30 @@
 
 namespace brevane {
 
-/// Plain text in one of the theme's styles and colours, which it follows. Wraps, or stays on one
-/// line and is shortened in the middle with the whole text in its tooltip.
+/// Plain text in one of the theme's styles and colours, which it follows. Wraps, or is elided in
+/// the middle of one line with the whole text in its tooltip.
 class Label : public QLabel {
     Q_OBJECT
 public:
     explicit Label(TextStyle style, ColorRole color = &Colors::text, const QString& text = {},
                    QWidget* parent = nullptr);
 
-    /// Keeps the text on one line that may be narrower than the text.
+    /// Keeps the text on one line, eliding it as necessary.
     void setElided();
 
-    /// Replaces the text; equal text changes nothing.
+    /// Replaces the text; does nothing if it is equal.
     void setPlainText(const QString& text);
 
     void setColor(ColorRole color);
 
-    /// The text as it is shown, with an ellipsis where it is shortened.
+    /// The text as shown, with an ellipsis if it is elided.
     [[nodiscard]] QString shownText() const;
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
-    /// How much of an elided label's width is left to something else, at the trailing side.
+    /// The width at an elided label's trailing side that the text leaves free.
     [[nodiscard]] virtual int trailingSpace() const { return 0; }
 
     bool event(QEvent* event) override;

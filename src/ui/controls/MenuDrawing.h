@@ -9,14 +9,14 @@ class QWidget;
 
 namespace brevane {
 
-/// Marks a menu item or a button as one that destroys something, so that it is drawn as a warning.
+/// Marks a menu item or button as destructive, so that it is drawn as a warning.
 void setDestructive(QObject& item);
 [[nodiscard]] bool isDestructive(const QObject& item);
 
 /// One title in the menu bar.
 void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item);
 
-/// Ground and edge of an open menu.
+/// Background and edge of an open menu.
 void drawMenuGround(QPainter& painter, const QStyleOption& option);
 
 /// One item of an open menu, or a separator.

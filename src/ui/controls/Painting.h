@@ -9,11 +9,11 @@ class QPainter;
 
 namespace brevane {
 
-/// A rounded rectangle: filled, and where `line` is a colour edged with it on the inside.
+/// A filled rounded rectangle, with an inner border if `line` is a valid colour.
 void drawRoundedBox(QPainter& painter, QRectF rect, double radius, const QBrush& fill,
                     const QColor& line = {}, double lineWidth = 1);
 
-/// The ring around what has the keyboard, just inside `rect`.
+/// The ring of the focused control, just inside `rect`.
 void drawFocusRing(QPainter& painter, const QRectF& rect, double radius);
 
 } // namespace brevane

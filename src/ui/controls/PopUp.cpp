@@ -16,8 +16,8 @@ PopUp::PopUp(QWidget* parent) : QComboBox(parent) {
 }
 
 void PopUp::showPopup() {
-    // What is behind the choices is the pop-up's own ground, which is round. Each choice fills its
-    // place with the window's color first.
+    // Leave the background to the pop-up, which has rounded corners. Each choice first fills its
+    // rectangle with the palette's window colour.
     view()->viewport()->setAutoFillBackground(false);
     QPalette palette = view()->palette();
     palette.setColor(QPalette::Window, theme().color(&Colors::popup));

@@ -5,7 +5,8 @@
 
 namespace brevane {
 
-/// A pop-up button over a list of choices. The wheel scrolls what it lies in, never its choice.
+/// A pop-up button with a list of choices. The wheel scrolls the view around it and never changes
+/// the choice.
 class PopUp : public QComboBox {
     Q_OBJECT
 public:

@@ -25,7 +25,7 @@ PushButton::PushButton(Kind kind, const QString& text, QWidget* parent)
     const bool prominent = kind == Kind::prominent;
     setSizePolicy(prominent ? QSizePolicy::Minimum : QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::TabFocus);
-    // Return presses it.
+    // Lets Return press it.
     setAutoDefault(true);
     const auto style = prominent            ? TextStyle::button
                        : kind == Kind::link ? TextStyle::caption
@@ -100,7 +100,7 @@ QSize PushButton::sizeHint() const {
     return {textWidth + leadingWidth() + 2 * padding, std::max(height, fontMetrics().height() + 4)};
 }
 
-// Qt asks a widget that is disabled under the focus to hand it on.
+// Qt calls this on a focused widget that is disabled; true keeps the focus.
 bool PushButton::focusNextPrevChild(bool next) {
     return !isEnabled() || QPushButton::focusNextPrevChild(next);
 }

@@ -9,15 +9,15 @@ namespace brevane {
 
 class Spinner;
 
-/// A button with a text, and before it a symbol or a progress indicator. Drawn by the style. Keeps
-/// the keyboard's focus while it is disabled under it.
+/// A button with a text, preceded by a symbol or a progress indicator. Drawn by the style. Keeps
+/// the focus when it is disabled.
 class PushButton : public QPushButton {
     Q_OBJECT
 public:
     enum class Kind {
-        plain,     ///< edged
-        prominent, ///< filled with a colour, the one button that a view is about
-        link,      ///< coloured text alone
+        plain,     ///< outlined
+        prominent, ///< filled with a colour: the view's main action
+        link,      ///< only coloured text
     };
 
     explicit PushButton(Kind kind, const QString& text = {}, QWidget* parent = nullptr);
@@ -27,7 +27,7 @@ public:
     void setSymbol(const QString& name);
     [[nodiscard]] const QString& symbol() const { return symbol_; }
 
-    /// The ground of a prominent button, or the ink of any other.
+    /// The background colour of a prominent button, or the text colour of any other.
     void setTint(ColorRole role);
     [[nodiscard]] ColorRole tint() const { return tint_; }
 
@@ -35,7 +35,7 @@ public:
     void setBusy(bool on);
     [[nodiscard]] bool isBusy() const { return spinner_ != nullptr; }
 
-    /// Where symbol and text are drawn; the first is empty without a symbol.
+    /// The rectangles of symbol and text; the first is empty if there is no symbol.
     struct Parts {
         QRect symbol, text;
     };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <QByteArray>
 
-// What Qt lacks where it is built for the other standard library: all that passes a std::string.
+// The functions with std::string that are missing if Qt was built for another standard library.
 std::string QByteArray::toStdString() const {
     return {constData(), static_cast<std::size_t>(size())};
 }

@@ -8,7 +8,7 @@
 namespace brevane {
 
 QString onOneLine(QString text) {
-    // Setting a text takes as long as it is, with every redraw; a shared one may have a megabyte.
+    // Every redraw sets the text, in linear time, and a shared text may have a megabyte.
     constexpr qsizetype half = 2000;
     if (text.size() > 2 * half + 1) text = text.left(half) + u'\u2026' + text.right(half);
     for (QChar& character : text)
@@ -19,13 +19,13 @@ QString onOneLine(QString text) {
 }
 
 QString shownText(std::string_view text) {
-    // Converting, laying out or speaking more would keep the window from answering.
+    // Converting, laying out or speaking more would block the main thread.
     constexpr qsizetype limit = 10'000;
     constexpr std::size_t longestCharacter = 4;
     QString shown = toQString(text.substr(0, limit * longestCharacter));
     if (shown.size() <= limit) return shown;
     shown.truncate(shown[limit - 1].isHighSurrogate() ? limit - 1 : limit);
-    // Counting the characters would take as long as the text is.
+    // Counting the characters would take linear time.
     const auto rest = static_cast<qint64>(text.size()) - shown.toUtf8().size();
     return shown + QCoreApplication::translate("QtText", "… and %1 more")
                        .arg(QLocale().formattedDataSize(rest, 1, QLocale::DataSizeSIFormat));

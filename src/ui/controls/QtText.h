@@ -7,20 +7,20 @@
 
 namespace brevane {
 
-/// UTF-8 as Qt's text.
+/// Converts UTF-8 to Qt's text.
 [[nodiscard]] inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// The text with each line break or tab shown as a blank, for where there is one line only. Of one
-/// that is longer than any window is wide, beginning and end.
+/// The text with each line break and tab replaced by a space. If it is longer than any window is
+/// wide, only its beginning and end.
 [[nodiscard]] QString onOneLine(QString text);
 
-/// What a window shows of a text in UTF-8: all of it, or of one of more than 10,000 characters
-/// these and the size of what follows.
+/// What a window shows of a UTF-8 text: all of it, or the first 10,000 characters and the size of
+/// the rest.
 [[nodiscard]] QString shownText(std::string_view text);
 
-/// A tooltip that shows the text as it is: Qt would take one that looks like HTML for HTML.
+/// A tooltip that shows the text literally: Qt would interpret text that looks like HTML.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
 } // namespace brevane

@@ -13,7 +13,7 @@ void keepScrollBarInPadding(QScrollArea& area, QLayout& content, int padding) {
                      [&area, &content, bar, padding](int, int maximum) {
                          const int left = padding - (maximum > 0 ? bar->sizeHint().width() : 0);
                          QMargins margins = content.contentsMargins();
-                         // Margins are not mirrored with the layout, scroll bars are.
+                         // Unlike scroll bars, margins are not mirrored with the layout.
                          const bool mirrored = area.layoutDirection() == Qt::RightToLeft;
                          margins.setRight(mirrored ? padding : left);
                          margins.setLeft(mirrored ? left : padding);

@@ -6,8 +6,8 @@ class QScrollArea;
 
 namespace brevane {
 
-/// Lets the vertical scroll bar take its place out of the padding at the trailing side of the
-/// content, whose layout this is, so that the content is as wide with it as without.
+/// Reduces the trailing padding of the layout `content` by the width of the vertical scroll bar
+/// while that is shown, so that the content keeps its width.
 void keepScrollBarInPadding(QScrollArea& area, QLayout& content, int padding);
 
 } // namespace brevane

@@ -20,7 +20,7 @@ constexpr int inset = 2;
 
 } // namespace
 
-/// One choice. The control draws the ground that moves under the choices.
+/// One choice. The control draws the background that slides under the choices.
 class SegmentedControl::Segment : public QPushButton {
 public:
     explicit Segment(const QString& label, QWidget* parent) : QPushButton(label, parent) {
@@ -63,7 +63,7 @@ SegmentedControl::SegmentedControl(const QStringList& labels, QWidget* parent) :
     slide_.setEndValue(0.0);
     connect(&slide_, &QVariantAnimation::valueChanged, this, [this] { update(); });
     connect(&segments_, &QButtonGroup::idToggled, this, [this](int index, bool checked) {
-        // The whole control is one stop of the keyboard; arrows go on from there.
+        // The whole control is one tab stop; arrow keys move within it.
         segments_.button(index)->setFocusPolicy(checked ? Qt::TabFocus : Qt::NoFocus);
         if (!checked) return;
         slideTo(index);

@@ -7,8 +7,8 @@
 
 namespace brevane {
 
-/// A row of choices, exactly one of which is taken. Each is a radio button to the keyboard and to
-/// screen readers.
+/// A row of choices, exactly one of which is selected. Each is a radio button for the keyboard and
+/// for screen readers.
 class SegmentedControl : public QWidget {
     Q_OBJECT
 public:

@@ -17,18 +17,18 @@ namespace brevane {
 
 namespace {
 
-/// More characters than the lines shown at once can hold.
+/// More characters than fit into the lines shown at once.
 constexpr int longText = 5000;
 
 QTextOption::WrapMode wrapMode(const QString& text) {
-    // Looking for the end of a word at each of its lines takes quadratic time.
+    // Searching each line for a word boundary takes quadratic time.
     return text.size() > longText ? QTextOption::WrapAnywhere
                                   : QTextOption::WrapAtWordBoundaryOrAnywhere;
 }
 
 } // namespace
 
-/// The text edit inside. Keys that only an editor would take go on to the view around it.
+/// The text edit inside. Ignores Return and Escape, so that the view around it gets them.
 class SelectableText::Viewer : public QTextEdit {
 public:
     explicit Viewer(QWidget* parent) : QTextEdit(parent) {
@@ -63,7 +63,7 @@ protected:
     }
 
 private:
-    // Around the text, which reaches to the edge. Qt gives it to a widget above this one.
+    // Outside the text, which extends to the edge. Qt reparents it to an ancestor of this widget.
     QPointer<QFocusFrame> ring_;
 };
 
@@ -79,7 +79,8 @@ void SelectableText::makeViewer() {
     viewer_ = new Viewer(this);
     viewer_->setAccessibleName(name_);
     viewer_->setGeometry(rect());
-    // The keyboard comes to it where it would come to this widget, if that took the focus itself.
+    // Puts it at this widget's place in the focus order; setTabOrder() ignores a widget that takes
+    // no focus.
     setFocusPolicy(Qt::TabFocus);
     setTabOrder(this, viewer_);
     setFocusPolicy(Qt::NoFocus);
@@ -96,7 +97,7 @@ void SelectableText::applyTheme() {
     QPalette palette = viewer_->palette();
     palette.setColor(QPalette::Text, theme().color(color_));
     viewer_->setPalette(palette);
-    // What is there already keeps the old colour.
+    // Existing text keeps the old colour, so set it again.
     viewer_->setPlainText(viewer_->toPlainText());
     updateGeometry();
 }

@@ -7,17 +7,17 @@
 
 namespace brevane {
 
-/// Text that can be selected but not changed, as high as it needs to be at its width. A word that
-/// is longer than a line is broken. Beyond `maximumLines` it scrolls. Costs next to nothing until
-/// it has a text to show.
+/// Read-only text that can be selected, as high as its width requires. A word that is longer than a
+/// line is broken. Beyond `maximumLines` it scrolls. Creates its text edit only when it first gets
+/// a text.
 class SelectableText : public QWidget {
     Q_OBJECT
 public:
-    /// `name` is what screen readers call it.
+    /// `name` is its accessible name.
     SelectableText(const QString& name, TextStyle style, ColorRole color, int maximumLines,
                    QWidget* parent = nullptr);
 
-    /// Replaces the text; equal text changes nothing, so that a selection stays.
+    /// Replaces the text; does nothing if it is equal, so that a selection stays.
     void setShownText(const QString& text);
 
     [[nodiscard]] bool hasHeightForWidth() const override { return true; }

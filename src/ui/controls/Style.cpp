@@ -33,11 +33,11 @@ Style::Style() : QProxyStyle(QStringLiteral("Fusion")) {}
 
 void Style::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
-    // The ground behind a scroll bar is that of what it scrolls.
+    // The background behind a scroll bar is that of the scrolled view.
     if (qobject_cast<QScrollBar*>(widget)) widget->setAttribute(Qt::WA_OpaquePaintEvent, false);
     if (isPopUp(widget)) {
         widget->setAttribute(Qt::WA_TranslucentBackground);
-        // The system's shadow would be that of a rectangle.
+        // The system's shadow would be rectangular.
         widget->setWindowFlag(Qt::NoDropShadowWindowHint);
     }
 }
@@ -51,7 +51,7 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
         return drawCheckMark(*painter, *option);
     case PE_PanelMenu:
         return drawMenuGround(*painter, *option);
-    // The edge belongs to the ground.
+    // PE_PanelMenu draws the edge.
     case PE_FrameMenu:
         return;
     case PE_FrameFocusRect:
@@ -120,8 +120,7 @@ void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex
 
 QIcon Style::standardIcon(StandardPixmap icon, const QStyleOption* option,
                           const QWidget* widget) const {
-    // Every menu bar asks for it, and the usual one would have Qt load each picture format it
-    // knows.
+    // Every menu bar requests it, and the default would make Qt load all image format plugins.
     if (icon == SP_ToolBarHorizontalExtensionButton)
         return symbolPixmap(QStringLiteral("ellipsis.circle"), theme().color(&Colors::secondary),
                             theme().symbolSize(), 1);
@@ -164,7 +163,7 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
         return 0;
     case SH_UnderlineShortcut:
         return theme().showsMnemonics();
-    // A click beside the handle goes there.
+    // A click beside the handle scrolls to that position.
     case SH_ScrollBar_LeftClickAbsolutePosition:
         return 1;
     default:
@@ -175,7 +174,7 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
 QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& size,
                               const QWidget* widget) const {
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
-    // Asked only where it counts, since it loads the font.
+    // Called only if needed, since it loads the font.
     const auto lineHeight = [option] { return option ? option->fontMetrics.height() : 0; };
     switch (type) {
     case CT_LineEdit:
@@ -205,7 +204,7 @@ QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex* o
                             SubControl part, const QWidget* widget) const {
     if (control == CC_ComboBox && part == SC_ComboBoxEditField)
         return visualRect(option->direction, option->rect, option->rect.adjusted(9, 0, -28, 0));
-    // One that has a menu opens it with a click anywhere.
+    // The whole button opens the menu.
     if (control == CC_ToolButton && part == SC_ToolButtonMenu &&
         qobject_cast<const IconButton*>(widget))
         return {};

@@ -5,8 +5,8 @@
 
 namespace brevane {
 
-/// How Qt's own controls look in Brevane: text fields, pop-ups, check boxes, menus, scroll bars,
-/// dividers and focus.
+/// Draws Qt's controls and Brevane's own: text fields, pop-ups, buttons, check boxes, menus, scroll
+/// bars, dividers and focus rings.
 class Style : public QProxyStyle {
 public:
     Style();

@@ -7,7 +7,7 @@
 
 namespace brevane {
 
-/// A rectangle of one of the theme's colours for other controls to lie on.
+/// A rectangle of one of the theme's colours, as a background for other controls.
 class Surface : public QWidget {
     Q_OBJECT
 public:

@@ -30,7 +30,7 @@ QPixmap symbolPixmap(const QString& name, const QColor& color, int size, double 
 void drawSymbol(QPainter& painter, const QRect& box, const QString& name, const QColor& color,
                 int size) {
     const QPoint corner(box.x() + (box.width() - size) / 2, box.y() + (box.height() - size) / 2);
-    // The painter's device is the widget, also when that is drawn into a picture of another ratio.
+    // The device's own ratio is the widget's, even while that is rendered into an image of another.
     painter.drawPixmap(corner, symbolPixmap(name, color, size, painter.deviceTransform().m11()));
 }
 

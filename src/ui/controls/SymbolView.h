@@ -7,7 +7,7 @@
 
 namespace brevane {
 
-/// A symbol in one of the theme's colours, at a system font size. Says nothing to a screen reader.
+/// A symbol in one of the theme's colours, at a system font size. Has no accessible name.
 class SymbolView : public QWidget {
     Q_OBJECT
 public:

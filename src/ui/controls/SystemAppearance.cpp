@@ -39,7 +39,7 @@ constexpr auto portalPath = "/org/freedesktop/portal/desktop";
 constexpr auto settings = "org.freedesktop.portal.Settings";
 constexpr auto appearanceGroup = "org.freedesktop.appearance";
 constexpr auto schemeKey = "color-scheme";
-// A portal that runs answers in a few milliseconds; waiting that long keeps the first frame from
+// A running portal replies within a few milliseconds; waiting for that keeps the first frame from
 // flashing in the wrong scheme.
 constexpr int firstAnswerWithinMs = 50;
 
@@ -56,7 +56,7 @@ SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
     const QPalette palette = QGuiApplication::palette();
     dark_ = palette.color(QPalette::Window).lightness() <
             palette.color(QPalette::WindowText).lightness();
-    // Connecting to the bus takes a while, in which the window can be made.
+    // Connecting to the bus takes a while; the window is created meanwhile.
     asking_ = std::async(std::launch::async, [this] { askPortal(); });
 }
 
@@ -65,11 +65,11 @@ void SystemAppearance::awaitFirstAnswer() {
     QCoreApplication::sendPostedEvents(this);
 }
 
-// On a thread of its own.
+// Runs on its own thread.
 void SystemAppearance::askPortal() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
-    // Connecting fails without the type being known.
+    // Connecting fails if the type is not registered.
     qRegisterMetaType<QDBusVariant>();
     bus.connect(portal, portalPath, settings, "SettingChanged", this,
                 SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
@@ -97,7 +97,7 @@ void SystemAppearance::startPortal() {
 void SystemAppearance::portalSettingChanged(const QString& group, const QString& key,
                                             const QDBusVariant& value) {
     if (group != QLatin1String(appearanceGroup) || key != QLatin1String(schemeKey)) return;
-    // "Read" wraps its answer twice, the signal once.
+    // "Read" wraps its reply in two variants, the signal in one.
     QVariant scheme = value.variant();
     if (scheme.canConvert<QDBusVariant>()) scheme = scheme.value<QDBusVariant>().variant();
     enum { noPreference, preferDark };

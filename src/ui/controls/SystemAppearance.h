@@ -10,9 +10,9 @@ class QDBusVariant;
 
 namespace brevane {
 
-/// Whether the user's desktop is light or dark, also when that changes. Asks Qt where it knows
-/// (6.5 and later), else the desktop portal (org.freedesktop.portal.Settings, "color-scheme"),
-/// else goes by the palette. Made before the application sets a palette of its own.
+/// Whether the user's desktop is light or dark, following changes. From Qt 6.5 on it asks Qt,
+/// otherwise the desktop portal (org.freedesktop.portal.Settings, "color-scheme"), and without an
+/// answer goes by the palette. Created before the application sets its own palette.
 class SystemAppearance : public QObject {
     Q_OBJECT
 public:
@@ -20,8 +20,8 @@ public:
 
     [[nodiscard]] bool isDark() const { return dark_; }
 
-    /// Waits for the portal's first answer, which otherwise comes with the events: at most a
-    /// twentieth of a second from when the session bus is there.
+    /// Blocks until the portal's first reply, but at most 50 ms once the session bus is connected.
+    /// A later reply emits `changed`.
     void awaitFirstAnswer();
 
 Q_SIGNALS:

@@ -45,7 +45,7 @@ constexpr std::array<std::pair<TextStyle, Type>, 11> types{{
     {TextStyle::code, {11, QFont::Normal, true}},
 }};
 
-// QFontInfo would load the font to tell.
+// QFontInfo would load the font.
 double pixelSize(const QFont& font) {
     if (font.pixelSize() > 0) return font.pixelSize();
     const QScreen* const screen = QGuiApplication::primaryScreen(); // there may be none for a while
@@ -117,7 +117,7 @@ void Theme::awaitDesktop() const {
 void Theme::setDark(bool isDark) {
     if (dark_ == isDark) return;
     dark_ = isDark;
-    // Sends every widget a palette change, on which it repaints.
+    // Sends every widget a palette change, which repaints it.
     QApplication::setPalette(palette());
     Q_EMIT changed();
 }

@@ -11,7 +11,7 @@ namespace brevane {
 
 class SystemAppearance;
 
-/// What a piece of text is, and so how large and heavy it is set.
+/// The purpose of a text, which determines its size and weight.
 enum class TextStyle {
     headline,    ///< titles
     subheadline, ///< title of a part of the window
@@ -20,19 +20,19 @@ enum class TextStyle {
     callout,     ///< short messages
     caption,     ///< hints and second lines
     section,     ///< capitals above a group
-    tag,         ///< tiny word on a tinted ground
+    tag,         ///< tiny word on a tinted background
     button,      ///< the one prominent button
     field,       ///< typed text, monospaced
     code,        ///< shown commands, monospaced
 };
 
-/// All colours, type sizes and distances of the window, in one place. The application makes one
-/// after the QApplication and before any widget; it brings its own widget style.
+/// All colours, type sizes and distances of the window. The application creates one after the
+/// QApplication and before any widget; it installs its own widget style.
 class Theme : public QObject {
     Q_OBJECT
 public:
     enum class Scheme {
-        system, ///< light or dark as the desktop is, also when that changes
+        system, ///< follows the desktop
         light,
         dark,
     };
@@ -52,38 +52,37 @@ public:
     explicit Theme(Scheme scheme = Scheme::system);
     ~Theme() override;
 
-    /// The theme in use. There is one as long as there are widgets.
+    /// The theme in use, which exists as long as there are widgets.
     [[nodiscard]] static const Theme& current();
 
     [[nodiscard]] bool isDark() const { return dark_; }
     [[nodiscard]] const Colors& colors() const { return dark_ ? Colors::dark() : Colors::light(); }
     [[nodiscard]] QColor color(ColorRole role) const { return colors().*role; }
 
-    /// The desktop's own font in the size and weight of a style. Sizes follow the desktop's size.
+    /// The desktop's font in a style's weight and size, scaled by the desktop's font size.
     [[nodiscard]] QFont font(TextStyle style) const;
 
-    /// A length that belongs to text, such as the size of a symbol beside it: it grows with the
-    /// desktop's font size. Given for a desktop font of 10 points at 96 dots per inch.
+    /// A length that grows with the desktop's font size, such as that of a symbol beside text.
+    /// `length` is for a desktop font of 10 points at 96 dots per inch.
     [[nodiscard]] int scaled(int length) const;
 
-    /// The box in which a symbol of a system font size is drawn.
+    /// The side of the box in which a symbol of a system font size is drawn.
     [[nodiscard]] int symbolSize(int fontSize = 13) const;
 
-    /// Loads the fonts that the window begins with, which a control would else do when it is
-    /// measured.
+    /// Loads the fonts that the window starts with; otherwise measuring its controls would.
     void loadFonts() const;
 
-    /// Waits for the desktop to say whether it is light or dark, so that the first frame is right.
+    /// Blocks briefly until the desktop has reported its scheme, so that the first frame is right.
     void awaitDesktop() const;
 
-    /// Whether the letters that open menus are underlined: while Alt is held.
+    /// Whether mnemonics in menus are underlined: while Alt is held.
     [[nodiscard]] bool showsMnemonics() const { return mnemonics_; }
 
-    /// Leaves the desktop's scheme for a fixed one.
+    /// Switches the scheme. With `Scheme::system`, the desktop's next change overrides it.
     void setDark(bool isDark);
 
 Q_SIGNALS:
-    /// Colours or fonts are other ones now. Painting needs no notice: every widget is repainted.
+    /// Emitted after colours or fonts have changed. Every widget is repainted anyway.
     void changed();
 
 protected:

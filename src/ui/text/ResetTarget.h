@@ -9,14 +9,13 @@ namespace brevane {
 /// What a reset stops.
 enum class ResetTarget { all, serves, funnels };
 
-/// What the window says about a reset.
+/// The window's texts for a reset.
 struct ResetTexts {
     std::string_view title;   ///< of the confirmation
     std::string_view message; ///< of the confirmation
-    std::string_view toast;   ///< when it has been done
+    std::string_view toast;   ///< shown when the reset is done
 };
 
-/// The texts of one reset.
 [[nodiscard]] constexpr ResetTexts resetTexts(ResetTarget target) {
     switch (target) {
     case ResetTarget::serves:

@@ -31,7 +31,7 @@ std::string plainCommand(const ShareDraft& draft) {
     return command + " --yes " + target(draft);
 }
 
-/// Whether a character stands for itself anywhere in a word of the shell, as all past ASCII do.
+/// Whether the shell takes a character literally anywhere in a word, as it does all outside ASCII.
 bool isPlain(char character) {
     const bool isAscii = static_cast<unsigned char>(character) < 0x80;
     return !isAscii || std::string_view("-+_./,:@%0123456789"

@@ -9,7 +9,7 @@
 
 namespace brevane {
 
-/// A share as the user is entering it, every text as typed.
+/// A share that the user is entering, with texts as typed.
 struct ShareDraft {
     ServeMode mode = ServeMode::serve;
     SourceType sourceType = SourceType::port;
@@ -18,18 +18,18 @@ struct ShareDraft {
     bool background = true;
 };
 
-/// Whether there is enough to start the share with. A file or folder of nothing but blanks is not:
-/// without its blanks it would stand for the whole disk.
+/// Whether the draft has a source. For a file or folder, white space alone is none: trimmed, it
+/// would refer to the whole disk.
 [[nodiscard]] bool canStart(const ShareDraft& draft);
 
-/// The URL path as `TailscaleService::add` takes it, which stands in a command line: as typed, but
-/// in single quotes if the shell would split or interpret it. For a file at "/" it is the file's
-/// name that decides: the service would append it unquoted.
+/// The URL path for `TailscaleService::add`, which puts it into a command line: as typed, but in
+/// single quotes if the shell would split or interpret it. For a file at "/", the service appends
+/// the file's name unquoted; if that needs quoting, the result is the quoted path with the name.
 [[nodiscard]] std::string mountPathWord(const ShareDraft& draft);
 
-/// What starting the draft will do, for the user to read: a sentence for files and folders, else
-/// the command in plain words. Nothing in it is quoted for a shell, so it is not to be run.
-/// `dnsName` is this machine's full DNS name.
+/// Describes to the user what starting the draft will do: a sentence for files and folders,
+/// otherwise the command, which is not quoted for a shell and must not be run. `dnsName` is this
+/// machine's full DNS name.
 [[nodiscard]] std::string commandPreview(const ShareDraft& draft, std::string_view dnsName);
 
 } // namespace brevane

@@ -10,10 +10,10 @@
 
 namespace brevane {
 
-/// The address at which an entry can be reached. The default port and the root path do not show.
+/// The URL of an entry, without the default port and the root path.
 [[nodiscard]] std::string displayURL(const ServeEntry& entry);
 
-/// What one of our own file servers serves behind this entry; none if it is not one of ours.
+/// What our own file server behind this entry serves; none if the entry is not for one of ours.
 [[nodiscard]] std::optional<ManagedServerInfo> managedInfo(const ServeEntry& entry,
                                                            const ManagedServers::InfoMap& servers);
 
@@ -21,7 +21,7 @@ namespace brevane {
 struct ShareDetail {
     std::string_view symbol; ///< name of the symbol before the text
     std::string_view kind;   ///< the same in a word, for screen readers
-    std::string text;        ///< the file or folder that is served, or the entry's target
+    std::string text;        ///< the served file or folder, or the entry's target
 };
 
 [[nodiscard]] ShareDetail shareDetail(const ServeEntry& entry,

@@ -6,7 +6,7 @@
 
 namespace brevane {
 
-/// The connection in one line: whether there is one, and under which name and address.
+/// The connection's state in one line, with this machine's name and address if connected.
 [[nodiscard]] std::string statusLine(bool isConnected, std::string_view dnsName,
                                      std::string_view tailscaleIP);
 
