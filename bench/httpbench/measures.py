@@ -82,7 +82,7 @@ class Beside(Load):
         self.downloads = (path, downloads)
 
     def sample(self, bench, server, options):
-        return bench.slice(server, self.path, *options, beside=self.downloads, tries=LONG_TRIES)
+        return bench.slice(server, self.path, *options, beside=self.downloads, tries=2)
 
     def lines(self, samples):
         yield from super().lines(samples)
