@@ -4,6 +4,7 @@
 #include "Label.h"
 #include "SectionHeader.h"
 #include "ShareAddress.h"
+#include "Spinner.h"
 #include "SymbolView.h"
 #include "Theme.h"
 
@@ -28,7 +29,7 @@ protected:
     void SetUp() override {}
     void TearDown() override {
         view.reset();
-        const_cast<Theme&>(theme()).setDark(false);
+        const_cast<Theme&>(theme()).setLook({});
         QApplication::setFont(usual);
     }
 
@@ -118,7 +119,7 @@ protected:
         return most;
     }
 
-    void expectReadable() {
+    void expectReadable(double wanted = 4.5) {
         constexpr int ratio = 4;
         QImage image(view->size() * ratio, QImage::Format_RGB32);
         image.setDevicePixelRatio(ratio);
@@ -129,7 +130,7 @@ protected:
                     .intersected(visiblePart(*text.widget));
             if (seen.width() < 4 || seen.height() < 4) continue;
             const QRect pixels(seen.topLeft() * ratio, seen.size() * ratio);
-            EXPECT_GE(contrastIn(image.copy(pixels)), 4.5) << text.what;
+            EXPECT_GE(contrastIn(image.copy(pixels)), wanted) << text.what;
         }
     }
     // What of a widget is not scrolled out of view.
@@ -327,6 +328,36 @@ TEST_F(LookTest, TextOfAFunnelReachesAContrastOfFourAndAHalfInBoth) {
     const_cast<Theme&>(theme()).setDark(true);
     settle();
     expectReadable();
+}
+
+TEST_F(LookTest, TextReachesAContrastOfSevenIfTheDesktopWantsHighContrast) {
+    open({800, 900});
+    for (const bool dark : {false, true}) {
+        const_cast<Theme&>(theme()).setLook({.isDark = dark, .hasHighContrast = true});
+        press(dark ? "Serve" : "Funnel");
+        expectReadable(7);
+        const QRgb pane = theme().colors().pane.rgb();
+        const QRgb stop = strongest(pictureOf(0, *row(0)->stopButton()));
+        EXPECT_TRUE(isNear(stop, theme().colors().red.rgb()));
+        EXPECT_GE(contrast(theme().colors().outline.rgb(), pane), 3);
+    }
+}
+
+TEST_F(LookTest, TheProgressIndicatorStandsIfTheDesktopWantsNoAnimations) {
+    open({800, 614});
+    service->isLoading.set(true);
+    settle();
+    auto* spinner = view->findChild<Spinner*>();
+    ASSERT_NE(spinner, nullptr);
+    const auto turns = [&] {
+        const QImage before = spinner->grab().toImage();
+        return QTest::qWaitFor([&] { return spinner->grab().toImage() != before; }, 500);
+    };
+    EXPECT_TRUE(turns());
+    const_cast<Theme&>(theme()).setLook({.isAnimated = false});
+    EXPECT_FALSE(turns());
+    const_cast<Theme&>(theme()).setLook({});
+    EXPECT_TRUE(turns());
 }
 
 TEST_F(LookTest, WhatCannotBePressedReachesAContrastOfFourAndAHalfToo) {

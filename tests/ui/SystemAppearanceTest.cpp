@@ -3,14 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QGuiApplication>
-#include <QtGlobal>
-
-// Where Qt itself knows the desktop's scheme there is nothing of ours to test.
-#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+#ifndef __APPLE__ // there is no portal
 
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QProcess>
 #include <QTest>
@@ -19,30 +17,33 @@
 
 namespace brevane::test {
 
-/// The desktop portal's settings, as far as the window asks for them.
-class Portal : public QObject {
+constexpr auto appearanceGroup = "org.freedesktop.appearance";
+constexpr auto gnomeGroup = "org.gnome.desktop.interface";
+
+/// The desktop portal's settings.
+class Portal : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 public:
-    uint scheme = 0;
+    QMap<QString, QVariantMap> settings;
+    QStringList asked;
 
 public Q_SLOTS:
-    QDBusVariant Read(const QString& group, const QString& key) {
-        asked = group + ' ' + key;
-        return QDBusVariant(QVariant::fromValue(QDBusVariant(scheme)));
+    void ReadAll(const QStringList& groups) {
+        asked = groups;
+        setDelayedReply(true);
+        connection().send(message().createReply(QVariant::fromValue(settings)));
     }
 
 Q_SIGNALS:
     void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
-
-public:
-    QString asked;
 };
 
 /// A session bus of its own with a portal on it.
 class SystemAppearanceTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
+        qDBusRegisterMetaType<QMap<QString, QVariantMap>>();
         daemon = new QProcess;
         daemon->start("dbus-daemon", {"--session", "--nofork", "--print-address"});
         ASSERT_TRUE(daemon->waitForReadyRead());
@@ -67,37 +68,52 @@ protected:
         return QTest::qWaitFor(condition, 30'000);
     }
 
-    void change(uint scheme) {
-        Q_EMIT portal.SettingChanged("org.freedesktop.appearance", "color-scheme",
-                                     QDBusVariant(QVariant(scheme)));
+    void change(const char* group, const char* key, const QVariant& value) {
+        Q_EMIT portal.SettingChanged(group, key, QDBusVariant(value));
     }
+    void changeScheme(uint scheme) { change(appearanceGroup, "color-scheme", scheme); }
 
     static inline QProcess* daemon = nullptr;
     Portal portal;
 };
 
 TEST_F(SystemAppearanceTest, FollowsThePortalAlsoWhileRunning) {
-    portal.scheme = 1;
+    portal.settings = {{appearanceGroup, {{"color-scheme", 1U}}}};
     servePortal();
     SystemAppearance appearance;
     int changes = 0;
     QObject::connect(&appearance, &SystemAppearance::changed, [&] { ++changes; });
-    ASSERT_TRUE(until([&] { return appearance.isDark(); }));
-    EXPECT_EQ(portal.asked, "org.freedesktop.appearance color-scheme");
-    change(2);
-    ASSERT_TRUE(until([&] { return !appearance.isDark(); }));
-    change(1);
-    ASSERT_TRUE(until([&] { return appearance.isDark(); }));
+    ASSERT_TRUE(until([&] { return appearance.look().isDark; }));
+    EXPECT_EQ(portal.asked, (QStringList{appearanceGroup, gnomeGroup}));
+    changeScheme(2);
+    ASSERT_TRUE(until([&] { return !appearance.look().isDark; }));
+    changeScheme(1);
+    ASSERT_TRUE(until([&] { return appearance.look().isDark; }));
     const int before = changes;
-    change(1);
-    change(2);
-    ASSERT_TRUE(until([&] { return !appearance.isDark(); }));
+    changeScheme(1);
+    changeScheme(2);
+    ASSERT_TRUE(until([&] { return !appearance.look().isDark; }));
     EXPECT_EQ(changes, before + 1);
 }
 
-TEST_F(SystemAppearanceTest, ItIsLightWhereThereIsNoPortal) {
+TEST_F(SystemAppearanceTest, FollowsContrastAndAnimationsToo) {
+    portal.settings = {{appearanceGroup, {{"contrast", 1U}}},
+                       {gnomeGroup, {{"enable-animations", false}, {"font-name", "Inter 11"}}}};
+    servePortal();
     const SystemAppearance appearance;
-    EXPECT_FALSE(appearance.isDark());
+    ASSERT_TRUE(until([&] { return appearance.look().hasHighContrast; }));
+    EXPECT_FALSE(appearance.look().isAnimated);
+    EXPECT_FALSE(appearance.look().isDark);
+    change(gnomeGroup, "enable-animations", true);
+    ASSERT_TRUE(until([&] { return appearance.look().isAnimated; }));
+    EXPECT_TRUE(appearance.look().hasHighContrast);
+    change(appearanceGroup, "contrast", 0U);
+    ASSERT_TRUE(until([&] { return !appearance.look().hasHighContrast; }));
+}
+
+TEST_F(SystemAppearanceTest, IsTheUsualOneWithoutAPortal) {
+    const SystemAppearance appearance;
+    EXPECT_EQ(appearance.look(), Look());
 }
 
 } // namespace brevane::test

@@ -97,7 +97,7 @@ void drawIconButton(QPainter& painter, const QStyleOptionToolButton& option,
     if (showsFocus(option)) drawFocusRing(painter, option.rect, Theme::cornerRadius);
     if (button.isBusy()) return;
     const bool enabled = option.state & QStyle::State_Enabled;
-    const bool plain = !highlighted && !showsFocus(option);
+    const bool plain = !highlighted && !showsFocus(option) && !theme().hasHighContrast();
     const double opacity = enabled ? (plain ? button.symbolOpacity() : 1) : 0.4;
     drawSymbol(painter, option.rect, button.symbol(),
                Colors::thinned(theme().color(button.color()), opacity), theme().symbolSize());

@@ -3,7 +3,23 @@
 
 namespace brevane {
 
-const Colors& Colors::light() {
+namespace {
+
+Colors withHighContrast(Colors colors, bool isDark) {
+    for (const auto edge : {&Colors::line, &Colors::outline, &Colors::popupEdge})
+        colors.*edge = colors.secondary;
+    colors.secondary = colors.text;
+    for (const auto ink : {&Colors::blue, &Colors::orange, &Colors::orangeText, &Colors::green,
+                           &Colors::red, &Colors::focus})
+        colors.*ink = isDark ? (colors.*ink).lighter(125) : (colors.*ink).darker(145);
+    for (const auto fill : {&Colors::blueFill, &Colors::orangeFill, &Colors::redFill})
+        colors.*fill = (colors.*fill).darker(145);
+    return colors;
+}
+
+} // namespace
+
+const Colors& Colors::light(bool hasHighContrast) {
     static const Colors colors{
         .window = {0xff, 0xff, 0xff},
         .pane = {0xf5, 0xf5, 0xf7},
@@ -32,10 +48,11 @@ const Colors& Colors::light() {
         .track = {0, 0, 0, 16},
         .segment = {0xff, 0xff, 0xff},
     };
-    return colors;
+    static const Colors strong = withHighContrast(colors, false);
+    return hasHighContrast ? strong : colors;
 }
 
-const Colors& Colors::dark() {
+const Colors& Colors::dark(bool hasHighContrast) {
     static const Colors colors{
         .window = {0x1e, 0x1e, 0x20},
         .pane = {0x27, 0x27, 0x29},
@@ -64,7 +81,8 @@ const Colors& Colors::dark() {
         .track = {255, 255, 255, 20},
         .segment = {0x63, 0x63, 0x67},
     };
-    return colors;
+    static const Colors strong = withHighContrast(colors, true);
+    return hasHighContrast ? strong : colors;
 }
 
 QColor Colors::thinned(QColor color, double opacity) {

@@ -36,8 +36,9 @@ struct Colors {
     QColor track;      ///< background of the segmented control
     QColor segment;    ///< its selected segment
 
-    [[nodiscard]] static const Colors& light();
-    [[nodiscard]] static const Colors& dark();
+    /// With high contrast all text reaches 7:1 (1.4.6), and edges and dividers 3:1.
+    [[nodiscard]] static const Colors& light(bool hasHighContrast = false);
+    [[nodiscard]] static const Colors& dark(bool hasHighContrast = false);
 
     /// The colour with its alpha multiplied by `opacity`.
     [[nodiscard]] static QColor thinned(QColor color, double opacity);

@@ -19,10 +19,18 @@ Spinner::Spinner(int side, ColorRole color, QWidget* parent) : QWidget(parent), 
     setFixedSize(side, side);
     setAccessibleRole(*this, QAccessible::Animation);
     setAccessibleName(tr("Busy"));
+    connect(&theme(), &Theme::changed, this, &Spinner::turnOrStand);
+}
+
+void Spinner::turnOrStand() {
+    if (isVisible() && theme().isAnimated())
+        timer_.start(intervalMs, this);
+    else
+        timer_.stop();
 }
 
 void Spinner::showEvent(QShowEvent*) {
-    timer_.start(intervalMs, this);
+    turnOrStand();
 }
 
 void Spinner::hideEvent(QHideEvent*) {

@@ -8,7 +8,8 @@
 
 namespace brevane {
 
-/// An indeterminate progress indicator. Turns only while it is visible.
+/// An indeterminate progress indicator. Turns only while it is visible, and not if the desktop
+/// wants no animations.
 class Spinner : public QWidget {
     Q_OBJECT
 public:
@@ -21,6 +22,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void turnOrStand();
+
     ColorRole color_;
     QBasicTimer timer_;
     int step_ = 0;

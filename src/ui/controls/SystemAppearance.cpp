@@ -7,9 +7,10 @@
 #include <QStyleHints>
 #include <QtGlobal>
 
-#if QT_VERSION < QT_VERSION_CHECK(6, 5, 0)
+#ifndef __APPLE__
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusReply>
@@ -18,17 +19,30 @@
 
 namespace brevane {
 
-#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
+namespace {
 
-SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
+bool isPaletteDark() {
+    const QPalette palette = QGuiApplication::palette();
+    return palette.color(QPalette::Window).lightness() <
+           palette.color(QPalette::WindowText).lightness();
+}
+
+} // namespace
+
+#ifdef __APPLE__
+
+SystemAppearance::SystemAppearance(QObject* parent)
+    : QObject(parent), look_{.isDark = isPaletteDark()} {
+#if QT_VERSION >= QT_VERSION_CHECK(6, 5, 0)
     const auto* hints = QGuiApplication::styleHints();
-    dark_ = hints->colorScheme() == Qt::ColorScheme::Dark;
-    connect(hints, &QStyleHints::colorSchemeChanged, this,
-            [this](Qt::ColorScheme scheme) { setDark(scheme == Qt::ColorScheme::Dark); });
+    look_.isDark = hints->colorScheme() == Qt::ColorScheme::Dark;
+    connect(hints, &QStyleHints::colorSchemeChanged, this, [this](Qt::ColorScheme scheme) {
+        setLook({.isDark = scheme == Qt::ColorScheme::Dark});
+    });
+#endif
 }
 
 void SystemAppearance::awaitFirstAnswer() {}
-void SystemAppearance::portalSettingChanged(const QString&, const QString&, const QDBusVariant&) {}
 
 #else
 
@@ -36,26 +50,24 @@ namespace {
 
 constexpr auto portal = "org.freedesktop.portal.Desktop";
 constexpr auto portalPath = "/org/freedesktop/portal/desktop";
-constexpr auto settings = "org.freedesktop.portal.Settings";
-constexpr auto appearanceGroup = "org.freedesktop.appearance";
-constexpr auto schemeKey = "color-scheme";
+constexpr auto portalSettings = "org.freedesktop.portal.Settings";
+constexpr auto appearance = "org.freedesktop.appearance";
+constexpr auto gnome = "org.gnome.desktop.interface";
 // A running portal replies within a few milliseconds; waiting for that keeps the first frame from
 // flashing in the wrong scheme.
 constexpr int firstAnswerWithinMs = 50;
 
-QDBusMessage readScheme(bool mayStartPortal) {
-    auto read = QDBusMessage::createMethodCall(portal, portalPath, settings, "Read");
-    read << appearanceGroup << schemeKey;
+QDBusMessage readSettings(bool mayStartPortal) {
+    auto read = QDBusMessage::createMethodCall(portal, portalPath, portalSettings, "ReadAll");
+    read << QStringList{appearance, gnome};
     read.setAutoStartService(mayStartPortal);
     return read;
 }
 
 } // namespace
 
-SystemAppearance::SystemAppearance(QObject* parent) : QObject(parent) {
-    const QPalette palette = QGuiApplication::palette();
-    dark_ = palette.color(QPalette::Window).lightness() <
-            palette.color(QPalette::WindowText).lightness();
+SystemAppearance::SystemAppearance(QObject* parent)
+    : QObject(parent), look_{.isDark = isPaletteDark()} {
     // Connecting to the bus takes a while; the window is created meanwhile.
     asking_ = std::async(std::launch::async, [this] { askPortal(); });
 }
@@ -69,16 +81,17 @@ void SystemAppearance::awaitFirstAnswer() {
 void SystemAppearance::askPortal() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
-    // Connecting fails if the type is not registered.
+    // Connecting and decoding fail if the types are not registered.
     qRegisterMetaType<QDBusVariant>();
-    bus.connect(portal, portalPath, settings, "SettingChanged", this,
+    qDBusRegisterMetaType<Settings>();
+    bus.connect(portal, portalPath, portalSettings, "SettingChanged", this,
                 SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
 
-    const QDBusReply<QDBusVariant> answer =
-        bus.call(readScheme(false), QDBus::Block, firstAnswerWithinMs);
+    const QDBusReply<Settings> answer =
+        bus.call(readSettings(false), QDBus::Block, firstAnswerWithinMs);
     QMetaObject::invokeMethod(this, [this, answer] {
         if (answer.isValid())
-            portalSettingChanged(appearanceGroup, schemeKey, answer.value());
+            take(answer.value());
         else
             startPortal();
     });
@@ -86,29 +99,41 @@ void SystemAppearance::askPortal() {
 
 void SystemAppearance::startPortal() {
     auto* watcher = new QDBusPendingCallWatcher(
-        QDBusConnection::sessionBus().asyncCall(readScheme(true)), this);
+        QDBusConnection::sessionBus().asyncCall(readSettings(true)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<QDBusVariant> reply = *watcher;
+        const QDBusPendingReply<Settings> reply = *watcher;
         watcher->deleteLater();
-        if (reply.isValid()) portalSettingChanged(appearanceGroup, schemeKey, reply.value());
+        if (reply.isValid()) take(reply.value());
     });
 }
 
 void SystemAppearance::portalSettingChanged(const QString& group, const QString& key,
                                             const QDBusVariant& value) {
-    if (group != QLatin1String(appearanceGroup) || key != QLatin1String(schemeKey)) return;
-    // "Read" wraps its reply in two variants, the signal in one.
-    QVariant scheme = value.variant();
-    if (scheme.canConvert<QDBusVariant>()) scheme = scheme.value<QDBusVariant>().variant();
-    enum { noPreference, preferDark };
-    if (scheme.toUInt() != noPreference) setDark(scheme.toUInt() == preferDark);
+    take({{group, {{key, value.variant()}}}});
+}
+
+void SystemAppearance::take(const Settings& settings) {
+    Look look = look_;
+    const auto read = [&](const char* group, const char* key, auto set) {
+        const QVariant value = settings.value(group).value(key);
+        if (value.isValid()) set(value);
+    };
+    read(appearance, "color-scheme", [&](const QVariant& scheme) {
+        enum { noPreference, preferDark };
+        if (scheme.toUInt() != noPreference) look.isDark = scheme.toUInt() == preferDark;
+    });
+    read(appearance, "contrast",
+         [&](const QVariant& contrast) { look.hasHighContrast = contrast.toUInt() == 1; });
+    read(gnome, "enable-animations",
+         [&](const QVariant& enabled) { look.isAnimated = enabled.toBool(); });
+    setLook(look);
 }
 
 #endif
 
-void SystemAppearance::setDark(bool isDark) {
-    if (dark_ == isDark) return;
-    dark_ = isDark;
+void SystemAppearance::setLook(const Look& look) {
+    if (look_ == look) return;
+    look_ = look;
     Q_EMIT changed();
 }
 

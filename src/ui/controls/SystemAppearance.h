@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Look.h"
+
+#include <QMap>
 #include <QObject>
 #include <QString>
+#include <QVariant>
 
 #include <future>
 
@@ -10,15 +14,15 @@ class QDBusVariant;
 
 namespace brevane {
 
-/// Whether the user's desktop is light or dark, following changes. From Qt 6.5 on it asks Qt,
-/// otherwise the desktop portal (org.freedesktop.portal.Settings, "color-scheme"), and without an
-/// answer goes by the palette. Created before the application sets its own palette.
+/// How the user's desktop wants windows to look, following changes. On macOS it asks Qt (6.5 and
+/// later), elsewhere the desktop portal (org.freedesktop.portal.Settings); without an answer it
+/// goes by the palette. Created before the application sets its own palette.
 class SystemAppearance : public QObject {
     Q_OBJECT
 public:
     explicit SystemAppearance(QObject* parent = nullptr);
 
-    [[nodiscard]] bool isDark() const { return dark_; }
+    [[nodiscard]] const Look& look() const { return look_; }
 
     /// Blocks until the portal's first reply, but at most 50 ms once the session bus is connected.
     /// A later reply emits `changed`.
@@ -27,16 +31,24 @@ public:
 Q_SIGNALS:
     void changed();
 
+#ifndef __APPLE__
 private Q_SLOTS:
     void portalSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:
-    void setDark(bool isDark);
+    using Settings = QMap<QString, QVariantMap>; // by group and key
+
     void askPortal();
     void startPortal();
+    void take(const Settings& settings);
 
-    bool dark_ = false;
     std::future<void> asking_;
+#endif
+
+private:
+    void setLook(const Look& look);
+
+    Look look_;
 };
 
 } // namespace brevane

@@ -54,15 +54,15 @@ double pixelSize(const QFont& font) {
 
 } // namespace
 
-Theme::Theme(Scheme scheme) : dark_(scheme == Scheme::dark) {
+Theme::Theme(Scheme scheme) : look_{.isDark = scheme == Scheme::dark} {
     Q_ASSERT(instance == nullptr);
     instance = this;
     installAccessibleInterfaces();
     if (scheme == Scheme::system) {
         appearance_ = new SystemAppearance(this);
-        dark_ = appearance_->isDark();
+        look_ = appearance_->look();
         connect(appearance_, &SystemAppearance::changed, this,
-                [this] { setDark(appearance_->isDark()); });
+                [this] { setLook(appearance_->look()); });
     }
     QApplication::setStyle(new Style);
     QApplication::setPalette(palette());
@@ -114,10 +114,21 @@ void Theme::awaitDesktop() const {
     if (appearance_ != nullptr) appearance_->awaitFirstAnswer();
 }
 
+const Colors& Theme::colors() const {
+    return look_.isDark ? Colors::dark(look_.hasHighContrast)
+                        : Colors::light(look_.hasHighContrast);
+}
+
 void Theme::setDark(bool isDark) {
-    if (dark_ == isDark) return;
-    dark_ = isDark;
-    // Sends every widget a palette change, which repaints it.
+    Look look = look_;
+    look.isDark = isDark;
+    setLook(look);
+}
+
+void Theme::setLook(const Look& look) {
+    if (look_ == look) return;
+    look_ = look;
+    // Sends every widget a palette change, on which it repaints.
     QApplication::setPalette(palette());
     Q_EMIT changed();
 }
@@ -151,7 +162,7 @@ void Theme::setMnemonics(bool on) {
 
 QPalette Theme::palette() const {
     const Colors& c = colors();
-    QPalette palette(dark_ ? QColor(0x3a, 0x3a, 0x3c) : QColor(0xec, 0xec, 0xee), c.window);
+    QPalette palette(isDark() ? QColor(0x3a, 0x3a, 0x3c) : QColor(0xec, 0xec, 0xee), c.window);
     palette.setColor(QPalette::Base, c.popup);
     palette.setColor(QPalette::ToolTipBase, c.popup);
     for (const auto role :

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Colors.h"
+#include "Look.h"
 
 #include <QFont>
 #include <QObject>
@@ -55,8 +56,10 @@ public:
     /// The theme in use, which exists as long as there are widgets.
     [[nodiscard]] static const Theme& current();
 
-    [[nodiscard]] bool isDark() const { return dark_; }
-    [[nodiscard]] const Colors& colors() const { return dark_ ? Colors::dark() : Colors::light(); }
+    [[nodiscard]] bool isDark() const { return look_.isDark; }
+    [[nodiscard]] bool hasHighContrast() const { return look_.hasHighContrast; }
+    [[nodiscard]] bool isAnimated() const { return look_.isAnimated; }
+    [[nodiscard]] const Colors& colors() const;
     [[nodiscard]] QColor color(ColorRole role) const { return colors().*role; }
 
     /// The desktop's font in a style's weight and size, scaled by the desktop's font size.
@@ -81,6 +84,9 @@ public:
     /// Switches the scheme. With `Scheme::system`, the desktop's next change overrides it.
     void setDark(bool isDark);
 
+    /// Switches all of the look; so does the desktop's next change.
+    void setLook(const Look& look);
+
 Q_SIGNALS:
     /// Emitted after colours or fonts have changed. Every widget is repainted anyway.
     void changed();
@@ -94,7 +100,7 @@ private:
     void setMnemonics(bool on);
 
     SystemAppearance* appearance_ = nullptr;
-    bool dark_ = false;
+    Look look_;
     bool mnemonics_ = false;
 };
 

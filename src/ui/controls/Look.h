@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace brevane {
+
+/// What a desktop's settings ask of every window.
+struct Look {
+    bool isDark = false;
+    bool hasHighContrast = false;
+    bool isAnimated = true; ///< false stops movement that only decorates
+
+    friend bool operator==(const Look&, const Look&) = default;
+};
+
+} // namespace brevane
