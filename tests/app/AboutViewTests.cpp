@@ -29,7 +29,7 @@ QStringList texts(const QWidget& view) {
     return texts;
 }
 
-/// Whether a pixel of exactly this colour is somewhere in the picture.
+/// Whether the picture has a pixel of exactly this colour.
 bool shows(const QImage& picture, const QColor& color) {
     for (int y = 0; y < picture.height(); ++y)
         for (int x = 0; x < picture.width(); ++x)
@@ -37,7 +37,7 @@ bool shows(const QImage& picture, const QColor& color) {
     return false;
 }
 
-/// The application with another font, until the end of the scope.
+/// Changes the application's font until the end of the scope.
 class ScaledFont {
 public:
     explicit ScaledFont(double factor) {

@@ -73,7 +73,7 @@ protected:
         QCoreApplication::processEvents();
     }
 
-    // Each Edit item by its key and from its menu, with this widget focused.
+    // Triggers each Edit item by its key and from its menu, with this widget focused.
     void useEveryEditItem(QWidget& focused) {
         for (QAction* edit : editItems()) {
             press(focused, *edit);
@@ -82,7 +82,7 @@ protected:
         }
     }
 
-    // Puts a widget in the field's place.
+    // Replaces the field with another widget and focuses it.
     void giveFocus(QWidget* widget) {
         window.setCentralWidget(widget);
         QCoreApplication::processEvents();

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The running program in front of a tailscale that does what a test wants."""
+"""The running program, with a tailscale that does what a test wants."""
 
 import json
 import os
@@ -32,7 +32,7 @@ def free_port():
 
 
 def connected(port):
-    """A socket to the server on this port, as soon as there is one."""
+    """Waits for a server on this port and returns a socket connected to it."""
 
     def connect():
         visitor = socket.socket()
@@ -62,7 +62,7 @@ def user(pytestconfig, desktop, tmp_path):
 
 @pytest.fixture
 def served(user):
-    """A shared folder of the last run with a large file in it. Gives its port."""
+    """A folder with a large file, recorded as shared by the last run. Returns its port."""
     return record_share(user)
 
 
@@ -80,7 +80,7 @@ def record_share(user):
 
 
 class User:
-    """Somebody with preferences and a tailscale of their own."""
+    """A user with preferences and a tailscale of their own."""
 
     def __init__(self, program, desktop, folder):
         self.program = program
@@ -95,13 +95,13 @@ class User:
         self.answer(STATUS, {})
 
     def answer(self, status, serve):
-        """Has tailscale answer its two questions with these documents."""
+        """Makes tailscale print these documents as status and serve status."""
         (self.folder / "status.json").write_text(json.dumps(status))
         (self.folder / "serve.json").write_text(json.dumps(serve))
         self.tailscale(f'if [ "$1" = status ]; then cat {self.folder}/status.json; else cat {self.folder}/serve.json; fi')
 
     def tailscale(self, script):
-        """Has tailscale do what a script of sh says."""
+        """Makes tailscale run this sh script."""
         command = self.folder / "tailscale"
         command.write_text(f"#!/bin/sh\n{script}\n")
         command.chmod(0o755)
@@ -118,11 +118,11 @@ class User:
         return child
 
     def window(self, child):
-        """The main window as assistive technology sees it."""
+        """The main window, seen through its accessibility interface."""
         return Window(until("the program", lambda: accessibility.application(child.pid)), self.desktop)
 
     def key(self, *combinations):
-        """Presses keys for whatever has the focus."""
+        """Presses keys in the focused window."""
         for combination in combinations:
             self.xdotool("key", combination)
 
@@ -138,12 +138,12 @@ class User:
         return self.ask("xdotool", *words)
 
     def ask(self, *command):
-        """What a command prints; nothing where it fails."""
+        """What a command prints; empty if it cannot be answered."""
         asked = subprocess.run([str(word) for word in command], env=self.environment, capture_output=True, text=True, timeout=60)
         return asked.stdout
 
     def processes(self):
-        """All processes that have come from this user's programs and are not over, by command line."""
+        """The command lines of all running processes that this user's programs have started, by process identifier."""
         found = {}
         for folder in Path("/proc").glob("[0-9]*"):
             try:

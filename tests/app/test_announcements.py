@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What a screen reader hears without asking."""
+"""What a screen reader announces without being asked."""
 
 import pytest
 

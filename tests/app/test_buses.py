@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Message buses that take a connection and then say nothing."""
+"""Message buses that accept a connection and then never reply."""
 
 import os
 import signal
@@ -10,7 +10,7 @@ import pytest
 
 
 def process_of(desktop, part):
-    """The part of the desktop that was started with this word."""
+    """The process identifier of the desktop's dbus-daemon with this word in its command line."""
     mark = str(desktop.folder).encode()
     for folder in Path("/proc").glob("[0-9]*"):
         try:

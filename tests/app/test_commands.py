@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the commands get from the program, and what they share its end with."""
+"""What the program passes on to its commands, and how they end with it."""
 
 import fcntl
 import os
@@ -14,7 +14,7 @@ from driver.waiting import until
 
 
 def login_file(user, script):
-    """Has every login shell of the program read this script of zsh."""
+    """Makes every login shell of the program run this zsh script."""
     folder = user.folder / "login"
     folder.mkdir()
     (folder / ".zprofile").write_text(script + "\n")
@@ -22,7 +22,7 @@ def login_file(user, script):
 
 
 def asked(user):
-    """The commands so far; each is one line."""
+    """The commands so far, one per line."""
     log = user.folder / "asked"
     return log.read_text().splitlines() if log.exists() else []
 
@@ -45,7 +45,7 @@ def test_a_login_file_that_sets_the_terminal_stops_no_command(user):
         os.close(screen)
 
 
-# Where a signal is trapped, zsh does not become its last command but forks.
+# If a signal is trapped, zsh forks its last command instead of replacing itself with it.
 @pytest.mark.parametrize("login", ["true", "trap true USR1"])
 def test_a_share_in_the_foreground_ends_with_a_killed_program(user, login):
     login_file(user, login)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""That no program started by this one, such as a browser, holds on to what is open here."""
+"""That no program started by this one, such as a browser, inherits its descriptors."""
 
 import os
 from pathlib import Path
@@ -9,7 +9,7 @@ from driver.waiting import until
 
 
 def inherited(pid):
-    """The descriptors, beyond the standard ones, that a program started by this one would get."""
+    """The descriptors, beyond the standard ones, that a program started by this one would inherit."""
     found = {}
     for entry in Path(f"/proc/{pid}/fdinfo").iterdir():
         number = int(entry.name)

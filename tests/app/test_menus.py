@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The menus and the About panel, from the keyboard."""
+"""The menus and the About panel, used from the keyboard."""
 
 import pytest
 
@@ -15,8 +15,8 @@ def child(user):
 
 
 def choose(user, menu, item):
-    """Chooses an item by letters, at a person's pace. With assistive technology Qt sends each key round by the bus before it
-    is pressed, but opens a menu at once: an Alt that arrives after its letter closes the menu again."""
+    """Chooses an item by its letters, at a person's pace. With assistive technology, Qt sends each key over the bus before
+    handling it, but opens a menu at once: an Alt that arrives after its letter closes the menu again."""
     pace = ("sleep", "0.3")
     user.xdotool("keydown", "alt", *pace, "key", menu, *pace, "keyup", "alt", *pace, "key", item, *pace)
 
@@ -104,7 +104,7 @@ def test_edit_keys_do_no_harm_wherever_the_keyboard_is(user, child):
     window = user.window(child)
     window.field("Port or URL").write("3000")
     visited = []
-    # Once round, and on into what has been visited.
+    # Stops at the first control that has been visited before.
     for _ in range(40):
         user.key(*EDIT_KEYS)
         element = focused(window)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""How the program ends, whatever it is doing at the time."""
+"""How the program quits, whatever it is doing at the time."""
 
 import json
 import signal
@@ -12,14 +12,14 @@ from driver import process
 from driver.waiting import until
 from held import hold_main_thread
 
-# Two seconds are what quitting may take; the rest is for a machine that runs other tests beside.
+# Quitting may take two seconds; the rest is for a machine that runs other tests meanwhile.
 PATIENCE = 2 + 1
 
 STUBBORN = "trap '' TERM; sleep 1000 & sleep 1001 & while :; do wait; done"
 
 
 def assert_quits(user, child, how):
-    """Nothing of it is left after the time that it has."""
+    """The program exits in time, without a message and without leaving a process."""
     how()
     assert child.wait(PATIENCE) == 0
     assert user.processes() == {}
@@ -106,7 +106,7 @@ def test_a_share_in_the_foreground_ends_with_the_program(user):
 
 
 def quit_while_making(user, kind, source):
-    """Quits while a share is made in the background, and returns the arguments of the command that has made it."""
+    """Quits while a background share is being made, and returns the arguments of the command that made it."""
     user.tailscale(f'[ "$2" = status -o "$1" = status ] || {{ touch {user.folder}/begun; sleep 0.3; echo "$*" >{user.folder}/made; }}')
     child = user.start()
     window = user.window(child)

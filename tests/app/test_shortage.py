@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""How the program ends where the system gives it less than it needs."""
+"""How the program ends if it runs out of a resource."""
 
 import os
 import re
@@ -11,12 +11,12 @@ import pytest
 
 from driver.waiting import until
 
-# Somebody who owns no process, so that the limit on them counts only the program's threads.
+# A user without processes, so that RLIMIT_NPROC counts only the program's threads.
 NOBODY = 54_321
 
 
 def outcome(user, child):
-    """The status and what was written of a program that ended, None where its window came up."""
+    """The status and the output of a program that has ended; None if its window was shown."""
 
     def ended_or_shown():
         if child.poll() is not None:
@@ -31,12 +31,12 @@ def outcome(user, child):
     return child.returncode, (user.folder / "program.log").read_text()
 
 
-# The loader itself has ended it, before a line of it has run.
+# The loader has ended it before main().
 UNLOADABLE = "error while loading shared libraries"
 
 
 def assert_ends_in_order(user, limit, numbers, account=None):
-    """With each of these limits there is a window, or an end with status 1 and one line."""
+    """With each of these limits, the program shows its window or ends with status 1 and one line."""
     outcomes = []
     for number in numbers:
 
@@ -58,7 +58,7 @@ def assert_ends_in_order(user, limit, numbers, account=None):
 
 
 def assert_said(result, case=None):
-    """An end with status 1 and one line that says why."""
+    """The program has ended with status 1 and one line that says why."""
     status, written = result
     assert status == 1 and written.startswith("brevane: ") and written.count("\n") == 1, (case, result)
 
@@ -83,7 +83,7 @@ def test_threads_that_run_out_at_the_start_end_it_with_one_line(user):
 
 @pytest.fixture
 def addresses(user):
-    """Leaves out programs for which a sanitizer reserves terabytes."""
+    """Skips programs for which a sanitizer reserves terabytes of address space."""
     if re.search(rb"__[at]san_init", Path(user.program).read_bytes()):
         pytest.skip("a sanitizer takes more addresses than any limit")
 

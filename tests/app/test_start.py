@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""How the program starts, alone and beside others."""
+"""How the program starts, alone and while others run."""
 
 import re
 import signal
@@ -15,7 +15,7 @@ DESKTOP_FILE = Path(__file__).parents[2] / "packaging" / "linux" / "com.brevane.
 
 
 def run(program, *arguments):
-    """Without a screen."""
+    """Runs the program without a screen."""
     return subprocess.run([program, *arguments], env={}, capture_output=True, text=True, timeout=60)
 
 
@@ -50,7 +50,7 @@ def test_the_window_is_centred_with_its_title_and_sizes(user, desktop):
     place = dict(re.findall(r"^ +(?:Absolute upper-left )?(X|Y|Width|Height): +(\d+)$", user.ask("xwininfo", "-id", window), re.M))
     assert (place["Width"], place["Height"]) == ("800", "640")
     screen_width, screen_height = map(int, user.xdotool("getdisplaygeometry").split())
-    # What is in the middle is the window with its frame or without, as the window manager likes it.
+    # The window manager may centre the window with its frame or without.
     assert abs(int(place["X"]) + 400 - screen_width / 2) <= 30
     assert abs(int(place["Y"]) + 320 - screen_height / 2) <= 30
 

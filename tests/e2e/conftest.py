@@ -36,7 +36,7 @@ def desktop():
 
 @pytest.fixture
 def application(pytestconfig, desktop, tailnet):
-    """The program, not started yet, of a user who has never shared anything."""
+    """The program, not yet started, of a user who has never shared anything."""
     tailnet.tailscale("serve", "reset")
     application = Application(pytestconfig.getoption("--program"), desktop)
     shutil.rmtree(application.preferences.parent, ignore_errors=True)
@@ -52,13 +52,13 @@ def window(application):
 
 @pytest.fixture
 def differs(record_property):
-    """Notes for docs/compatibility.md what users of this version of Tailscale see."""
+    """Records for docs/compatibility.md how this version of Tailscale behaves differently."""
     return lambda what: record_property("differs", what)
 
 
 @pytest.hookimpl(hookwrapper=True)
 def pytest_runtest_makereport(item):
-    """Of a test that fails, keeps a picture of the screen in the folder that pytest gave it."""
+    """If a test fails, stores a screenshot in its temporary folder."""
     outcome = yield
     report = outcome.get_result()
     if report.when == "call" and report.failed and {"desktop", "tmp_path"} <= item.funcargs.keys():

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What becomes of shares where the disk of their record fails."""
+"""What happens to shares if the disk of their record fails."""
 
 import json
 import os
@@ -13,7 +13,7 @@ from driver.waiting import until
 
 pytestmark = pytest.mark.skipif(os.geteuid() != 0, reason="needs root, to mount file systems")
 
-# Two seconds are what quitting may take; the rest is for a machine that runs other tests beside.
+# Quitting may take two seconds; the rest is for a machine that runs other tests meanwhile.
 PATIENCE = 2 + 1
 
 
@@ -26,7 +26,7 @@ def mounts(application):
 
 @pytest.fixture
 def config(application, mounts):
-    """The folder of the record, where there is none yet."""
+    """The folder of the record, created empty."""
     folder = application.desktop.folder / "config" / "brevane"
     folder.mkdir(mode=0o700)
     return folder
@@ -34,7 +34,7 @@ def config(application, mounts):
 
 @pytest.fixture
 def folders(tmp_path):
-    """Two folders to be shared, with a file in each."""
+    """Two folders to share, with a file in each."""
     found = [tmp_path / "one", tmp_path / "two"]
     for folder in found:
         folder.mkdir()
@@ -47,7 +47,7 @@ def share(window, folder):
 
 
 def assert_alive(application, tailnet, folders):
-    """After a restart the daemon leads to them all."""
+    """All folders are recorded, and after a restart they are served."""
     assert {entry["path"] for entry in application.managed().values()} == {str(folder) for folder in folders}
     window = application.start()
     for folder in folders:
@@ -58,7 +58,7 @@ def assert_alive(application, tailnet, folders):
 
 @pytest.fixture(params=[FullDisk, ReadOnlyDisk])
 def failing(request, application, mounts, config, folders):
-    """A disk with one share in the record that has failed since, and one share that was made after that."""
+    """A failed disk whose record has one share; a second one has been made since the failure."""
     disk = request.param(mounts, config)
     window = application.start()
     share(window, folders[0])
@@ -94,7 +94,7 @@ def test_a_record_whose_disk_is_mounted_after_the_start_is_served_and_kept(appli
     assert application.quit() == 0
     kept = shutil.move(config, tmp_path / "disk")
     record = json.loads((kept / "preferences.json").read_text())
-    record["TailscaleManagedServers"]["1"] = 7  # of another shape, and not to be lost either
+    record["TailscaleManagedServers"]["1"] = 7  # malformed, but must be kept too
     (kept / "preferences.json").write_text(json.dumps(record))
     config.mkdir(mode=0o700)
 
@@ -113,7 +113,7 @@ def test_a_record_whose_disk_is_mounted_after_the_start_is_served_and_kept(appli
 
 @pytest.fixture
 def hang(pytestconfig, mounts, config):
-    """Mounts a disk that hangs over the record."""
+    """Returns a function that mounts a hanging disk over the record's folder."""
     disks = []
 
     def mount():
@@ -132,7 +132,7 @@ def assert_quits(application, disk, ports=()):
         lambda: not application.desktop.windows(application.child.pid) and not any(map(backends.listens, ports)),
         patience=PATIENCE,
     )
-    # The kernel keeps a process of which a thread waits for an answer that the file system has begun.
+    # The kernel keeps a process while one of its threads waits for a request that the file system has read.
     disk.end()
     assert application.child.wait(10) == 0
 

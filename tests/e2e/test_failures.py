@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What goes wrong on users' machines, and what the window says of it."""
+"""What goes wrong on users' machines, and what the window shows then."""
 
 import os
 
@@ -42,7 +42,7 @@ def test_without_the_daemon_its_message_is_shown(window, tailnet, application, t
 @pytest.mark.skipif(os.geteuid() != 0, reason="only root can run the command as a user who is not the operator")
 def test_without_operator_rights_the_list_shows_and_a_change_is_denied(window, tailnet):
     window.share("Plain Text", "OK", path="/before")
-    # The user may pass through the folders above the checkout, such as root's home.
+    # dac_read_search lets the user traverse the folders above the checkout, such as root's home.
     somebody = "setpriv --reuid=65534 --clear-groups --inh-caps=+dac_read_search --ambient-caps=+dac_read_search"
     with tailnet.command_replaced(tailnet.command_line(prefix=somebody)):
         window.refresh()

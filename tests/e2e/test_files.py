@@ -15,7 +15,7 @@ MODES = ("Serve", "Funnel")
 
 @pytest.fixture
 def folder(tmp_path):
-    """A folder with a file of 5 MB, a name that must be escaped, and a folder in it."""
+    """A folder with a file of 5 MB, a file whose name must be escaped, and a subfolder."""
     root = tmp_path / "site"
     (root / "inner").mkdir(parents=True)
     (root / "big.bin").write_bytes(os.urandom(5_000_000))
@@ -51,7 +51,7 @@ def test_a_file_is_found_below_its_address_which_lists_its_folder(window, tailne
     window.share("File", str(file), mode=mode)
     window.await_row(mode, tailnet.url("/big.bin"), str(file))
     for funnel in {False, mode == "Funnel"}:
-        # Tailscale strips the mount path before it asks the file server.
+        # Tailscale strips the mount path before it forwards a request to the file server.
         assert "big.bin" in tailnet.fetch("/big.bin", funnel=funnel)["body"]
         assert tailnet.fetch("/big.bin/big.bin", funnel=funnel)["sha256"] == sha256(file)
         assert tailnet.fetch("/big.bin/inner/", funnel=funnel)["body"] == "<p>inner"
@@ -63,7 +63,7 @@ def test_a_name_that_a_shell_would_interpret_is_a_name(window, tailnet, applicat
     (tmp_path / name).write_bytes(b"%PDF-")
     window.share("File", str(tmp_path / name), path="/")
     window.await_row(str(tmp_path / name))
-    # Of the spellings of such a path Tailscale finds the one that Go's library makes.
+    # Tailscale only matches such a path if it is escaped the way Go's library does.
     assert tailnet.fetch(2 * quote("/" + name, safe="$&+,/:;=@"))["body"] == "%PDF-"
     assert list(application.managed().values()) == [{"path": str(tmp_path / name), "type": "file"}]
     assert not Path(f"/proc/{application.child.pid}/cwd/made").exists()

@@ -12,7 +12,7 @@ from driver.waiting import until
 
 @pytest.fixture
 def shared(window, application, tmp_path):
-    """A folder and a file in it, both shared. Gives the folder."""
+    """A folder and a file in it, both shared. Returns the folder."""
     folder = tmp_path / "kept"
     folder.mkdir()
     (folder / "a.txt").write_text("still here")
@@ -125,7 +125,7 @@ def test_a_foreground_share_ends_with_a_window_that_is_killed(window, applicatio
 
 @pytest.fixture
 def accounts(tailnet):
-    """The host's own account, and another that it is logged in under as well."""
+    """The host's own account, and another to which it is logged in as well."""
     own = tailnet.account()
     other = tailnet.log_in("other")
     tailnet.switch(own)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The tailnet itself: it ends with all of its parts, and keeps to this machine."""
+"""The tailnet itself: all of its processes end with it, and nothing leaves this machine."""
 
 import json
 import os
@@ -14,7 +14,7 @@ from driver.waiting import until
 
 
 class Run:
-    """One "tailnet run" on a folder of its own, ready when it is made."""
+    """One "tailnet run" in its own folder, ready once constructed."""
 
     def __init__(self, programs, folder, *options):
         self.child = process.start(
@@ -26,7 +26,7 @@ class Run:
         self.record = json.loads(line)
 
     def daemons(self):
-        """Those of its daemons that still run."""
+        """The process identifiers of its running daemons."""
         return [node["pid"] for node in self.record["nodes"].values() if is_running(node["pid"])]
 
 

@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: MIT
 """Raw TCP ports.
 
-A node in userspace networking hands every connection to a port that it does not serve on to
-127.0.0.1, so within the tailnet bytes alone prove no share: what the daemon serves is looked at too.
+A node in userspace networking forwards connections to ports that it does not serve to 127.0.0.1, so
+within the tailnet a reply alone proves no share: the daemon's configuration is checked too.
 """
 
 import pytest
@@ -12,7 +12,7 @@ from driver.tailnet import Unreachable
 
 
 def forwards(tailnet):
-    """Where the daemon sends what comes to its TCP ports."""
+    """The targets of the daemon's TCP ports."""
     ports = tailnet.serve_status().get("TCP", {})
     # Before 1.70 Tailscale writes 127.0.0.1 for localhost.
     return {int(port): handler["TCPForward"].replace("127.0.0.1", "localhost") for port, handler in ports.items()}
@@ -43,7 +43,7 @@ def test_a_tcp_share_cannot_be_stopped_and_the_banner_says_so(window, tailnet):
         refusal = tailnet.said("serve", f"--https={port}", "off")
         assert window.await_error() == refusal
         window.await_idle()
-        # The refresh that follows must not take the message away.
+        # The refresh that follows must not clear the message.
         assert window.error() == refusal
         await_row(window, port)
         assert tailnet.dial(port, b"still\n") == b"llits\n"

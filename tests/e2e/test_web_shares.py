@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Ports, URLs and texts: made in the form, seen in the list, reached from another device."""
+"""Ports, URLs and texts: shared in the form, shown in the list, fetched from another device."""
 
 import pytest
 
@@ -10,7 +10,7 @@ MODES = ("Serve", "Funnel")
 
 
 def assert_reached(tailnet, mode, path, body):
-    """A share is there for the tailnet, and for the internet only where it is a funnel."""
+    """A share can be reached from the tailnet, and from the internet only if it is a funnel."""
     assert tailnet.fetch(path)["body"] == body
     if mode == "Funnel":
         assert tailnet.fetch(path, funnel=True)["body"] == body

@@ -1,10 +1,10 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: MIT
-"""Shows the program at work where there is no screen.
+"""Demonstrates the program on a machine without a screen.
 
 Drives the window through its accessibility interface, on a screen and a tailnet of its own: shares
-a folder, fetches a file of it from another device of the tailnet, and keeps a picture of every step.
-Exit status 0 if everything happened as it should; else 1, and the last line says where it stopped.
+a folder, fetches one of its files from another device of the tailnet, and saves a screenshot of every
+step. Exits with 0 on success; otherwise with 1, and the last line names the step that failed.
 """
 
 import argparse

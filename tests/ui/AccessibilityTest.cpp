@@ -9,7 +9,7 @@ namespace {
 
 class AccessibilityTest : public WindowTest {};
 
-// A screen reader counts the children and asks for one later, when there may be fewer.
+// A screen reader counts the children and requests one later, when there may be fewer.
 TEST_F(AccessibilityTest, NoWidgetHasAChildPastItsLast) {
     publish(serves(3));
     press("Stop share");

@@ -131,7 +131,7 @@ TEST_F(AddServeViewTest, TheWholeRoundOfASuccessfulStart) {
     press("Start Serve");
     EXPECT_NE(button("Starting…"), nullptr);
     EXPECT_FALSE(button("Starting…")->isEnabled());
-    // Neither a second press nor Return starts another one meanwhile.
+    // Meanwhile neither a second press nor Return starts another one.
     QTest::keyClick(source(), Qt::Key_Return);
     EXPECT_TRUE(shows("Busy"));
     writeFile(folder / "tailscale.go", "");
@@ -153,7 +153,7 @@ TEST_F(AddServeViewTest, AFunnelIsStartedAndNamedAsOne) {
 }
 
 TEST_F(AddServeViewTest, ANameIsOneWordWhateverItHolds) {
-    // Each argument on its own, between lines that no name has.
+    // One argument per line, between separators that occur in no name.
     changesDo("printf '%s\\n--\\n' \"$@\" > \"$0.arguments\"");
     choose(SourceType::file);
     for (const std::string name :
@@ -335,7 +335,7 @@ TEST_F(AddServeViewTest, TheFileDialogOutlivesTheMessageThatItWaitsFor) {
     int step = 0;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
-        // As a screen reader can, which presses buttons behind a message.
+        // As a screen reader can: it presses buttons behind a modal message.
         if (++step == 1) return panel->reject();
         EXPECT_NE(panel, nullptr);
         if (QWidget* message = QApplication::activeModalWidget(); step == 2 && message != nullptr)

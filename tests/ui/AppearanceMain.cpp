@@ -3,7 +3,7 @@
 
 #include <QGuiApplication>
 
-// Without a theme, which would ask for the bus before a test has made one.
+// Creates no theme, which would connect to the bus before the test has started one.
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     testing::InitGoogleTest(&argc, argv);

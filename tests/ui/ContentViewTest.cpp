@@ -162,7 +162,7 @@ TEST_F(ContentViewTest, ATwiceShownToastStaysThreeSecondsFromItsSecondStart) {
     EXPECT_FALSE(shows("first"));
     ASSERT_TRUE(until([&] { return !shows("second"); }));
     EXPECT_GE(sinceSecond.elapsed(), 2990);
-    EXPECT_LT(sinceSecond.elapsed(), 10'000); // a busy machine may be late
+    EXPECT_LT(sinceSecond.elapsed(), 10'000); // generous, for a busy machine
 }
 
 TEST_F(ContentViewTest, TheToastSpansTheWindowBelowThePanes) {

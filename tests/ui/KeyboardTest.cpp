@@ -31,7 +31,7 @@ protected:
         return button ? button->text().toStdString() : widget->metaObject()->className();
     }
 
-    // The controls that a key visits until it is back at the first.
+    // The controls that a key visits until it returns to the first.
     std::vector<std::string> roundWith(Qt::Key key) {
         std::vector<std::string> names;
         const QWidget* first = QApplication::focusWidget();
@@ -131,7 +131,7 @@ TEST_F(KeyboardTest, TheResetButtonSaysThatItHasAMenu) {
     auto* reset = QAccessible::queryAccessibleInterface(button("Reset Shares"));
     EXPECT_TRUE(reset->state().hasPopup);
     EXPECT_EQ(reset->role(), QAccessible::ButtonMenu);
-    // The reader gets its answer at once, not when the menu closes.
+    // doAction() returns at once, not when the menu closes.
     reset->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     ASSERT_NE(QApplication::activePopupWidget(), nullptr);
     QApplication::activePopupWidget()->close();
@@ -186,13 +186,13 @@ TEST_F(KeyboardTest, SpaceAndReturnPressARowsButtons) {
 
 TEST_F(KeyboardTest, WhatHasTheFocusLooksDifferent) {
     view->resize(800, 900);
-    // By the key, so that the window knows that the keyboard is in use.
+    // By a key press, so that the window shows the focus.
     button("Start Serve")->setFocus(Qt::TabFocusReason);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     for (const std::string& name : order) {
         ASSERT_EQ(focusName(), name);
         const QWidget* control = QApplication::focusWidget();
-        // With its surroundings, where a ring may be.
+        // Includes the surroundings, where a ring may be drawn.
         const QRect around =
             QRect(control->mapTo(view.get(), QPoint()), control->size()).adjusted(-4, -4, 4, 4);
         settle();

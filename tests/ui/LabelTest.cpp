@@ -16,7 +16,7 @@ class WrappedLabel : public testing::Test {
 protected:
     WrappedLabel() { label.setWordWrap(true); }
 
-    // What a label tells that was never asked before.
+    // The height that a new label returns, which has cached nothing.
     int freshHeight(const QString& text, int width) {
         Label fresh(TextStyle::caption, &Colors::text, text);
         fresh.setFont(label.font());

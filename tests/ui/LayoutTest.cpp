@@ -35,7 +35,7 @@ protected:
 
 class PopUpLookTest : public LayoutTest {
 protected:
-    // Edged on all four sides by one colour, and empty outside of round corners.
+    // Expects one edge colour on all four sides, and transparent corners.
     static void expectRoundAndEdged(QWidget& popUp) {
         const QImage image = popUp.grab().toImage().convertToFormat(QImage::Format_ARGB32);
         const int right = image.width() - 1;
@@ -158,7 +158,8 @@ protected:
             if (text->isVisible() && text->accessibleName() == "Error") return text;
         return nullptr;
     }
-    // Starts a share that tailscale refuses, in a window of this height. Whether the error came.
+    // Starts a share that tailscale refuses, in a window of this height. Returns whether the error
+    // was shown.
     bool failsToStartAt(int height) {
         view->resize(640, height);
         changesDo("echo the port is taken by something else; exit 1");

@@ -33,7 +33,7 @@ protected:
         QApplication::setFont(usual);
     }
 
-    // The window with as much in it as it can have at once.
+    // Fills the window with as much as it can show at once.
     void open(QSize size) {
         changesDo("exit 1");
         WindowTest::SetUp();
@@ -57,7 +57,7 @@ protected:
         QWidget* widget;
         QRect where; ///< in the widget
     };
-    // Every piece of text that can be read.
+    // Every visible text.
     std::vector<Text> texts() {
         std::vector<Text> found;
         for (auto* widget : view->findChildren<QWidget*>()) {
@@ -105,7 +105,7 @@ protected:
         const double b = luminance(other);
         return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
     }
-    // Between the ground, which most pixels have, and the pixel that stands out from it most.
+    // The contrast of the background (the most frequent colour) and the colour that differs most.
     static double contrastIn(const QImage& image) {
         std::map<QRgb, int> counts;
         for (int y = 0; y < image.height(); ++y)
@@ -133,7 +133,7 @@ protected:
             EXPECT_GE(contrastIn(image.copy(pixels)), wanted) << text.what;
         }
     }
-    // What of a widget is not scrolled out of view.
+    // The area in which a widget is not scrolled out of view.
     QRect visiblePart(const QWidget& widget) {
         for (auto* area : view->findChildren<QAbstractScrollArea*>())
             if (area->isAncestorOf(&widget) && area != &widget)
@@ -141,7 +141,7 @@ protected:
         return view->rect();
     }
 
-    // A colour as it is seen on a ground.
+    // A translucent colour drawn on a background.
     static QRgb blended(const QColor& color, double opacity, QRgb ground) {
         const auto channel = [&](int over, int under) {
             return static_cast<int>(std::lround(opacity * over + (1 - opacity) * under));
@@ -154,7 +154,7 @@ protected:
                std::abs(qGreen(one) - qGreen(other)) <= 2 &&
                std::abs(qBlue(one) - qBlue(other)) <= 2;
     }
-    // Of a part of a row, in four pixels to each.
+    // A part of a row at a pixel ratio of 4.
     QImage pictureOf(std::size_t index, const QRect& part) {
         QImage image(part.size() * 4, QImage::Format_RGB32);
         image.setDevicePixelRatio(4);
@@ -165,7 +165,7 @@ protected:
     QImage pictureOf(std::size_t index, const QWidget& child) {
         return pictureOf(index, {child.mapTo(row(index), QPoint()), child.size()});
     }
-    // The colour of the pixel that is furthest from the ground.
+    // The colour with the highest contrast to the background.
     static QRgb strongest(const QImage& image) {
         const QRgb ground = image.pixel(0, 0);
         QRgb found = ground;
@@ -215,7 +215,7 @@ protected:
                 const auto flags = label->wordWrap() ? Qt::TextWordWrap : 0;
                 QRect needed = label->fontMetrics().boundingRect(QRect(0, 0, label->width(), 9999),
                                                                  flags, label->shownText());
-                // Of one line that measure is rounded up past the font's own height.
+                // For a single line, boundingRect() rounds up past the font's height.
                 if (!label->wordWrap() && !label->text().contains(u'\n'))
                     needed.setHeight(label->fontMetrics().height());
                 EXPECT_LE(needed.height(), label->height()) << label->text().toStdString();

@@ -13,7 +13,7 @@ namespace {
 
 class ShareListTest : public WindowTest {
 protected:
-    // The same shares read anew: other identities, the same order.
+    // The same shares after a refresh: new identities, the same order.
     static std::vector<ServeEntry> readAnew(std::vector<ServeEntry> entries) {
         for (auto& known : entries)
             known.id = makeEntryId();
@@ -34,7 +34,7 @@ protected:
         std::erase_if(all, [](const std::string& line) { return line.ends_with("--json"); });
         return all;
     }
-    // The list as the daemon now reports it, so that the refresh after a command brings it back.
+    // Makes the daemon report these shares, so that the refresh after a command lists them.
     void daemonLists(const std::vector<ServeEntry>& entries) {
         std::string handlers;
         for (const auto& known : entries)
@@ -100,7 +100,7 @@ TEST_F(ShareListTest, StoppingMarksAllRowsOfThePortUntilTheAnswer) {
     EXPECT_TRUE(row(1)->isStopping());
     EXPECT_FALSE(row(2)->isStopping());
     EXPECT_TRUE(row(2)->stopButton()->isEnabled());
-    // A list read anew meanwhile keeps the mark, and the row cannot be stopped twice.
+    // A refresh meanwhile keeps the mark, and the row cannot be stopped twice.
     publish(readAnew(serves(2)));
     EXPECT_TRUE(row(0)->isStopping());
     EXPECT_FALSE(row(0)->stopButton()->isEnabled());

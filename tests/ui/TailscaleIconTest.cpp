@@ -28,12 +28,12 @@ TEST(TailscaleIcon, WithoutTheApplicationAFallbackIsDrawn) {
     ASSERT_TRUE(TailscaleIcon::installed().isNull());
     const QImage image = pictureOf(100);
     const QColor ground(0, 107, 191);
-    // The corners are round by 22 of 100, so the very corner is empty and the edge's middle is not.
+    // With a corner radius of 22 of 100 pixels, only the corner itself is transparent.
     EXPECT_EQ(image.pixelColor(1, 1).alpha(), 0);
     EXPECT_EQ(image.pixelColor(5, 5).alpha(), 0);
     EXPECT_EQ(image.pixelColor(50, 2), ground);
     EXPECT_EQ(image.pixelColor(8, 8), ground);
-    // The symbol's dot.
+    // The symbol's dot in the centre.
     EXPECT_EQ(image.pixelColor(50, 50), QColor(Qt::white));
 }
 

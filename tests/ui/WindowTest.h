@@ -28,7 +28,7 @@
 
 namespace brevane::test {
 
-// The name of the button, which says its keys as the platform writes them.
+// The name of the button, with its shortcut in the platform's notation.
 #ifdef __APPLE__
 constexpr auto refreshButton = "Refresh (⌘R)";
 #else
@@ -47,7 +47,7 @@ protected:
         settle();
     }
 
-    // Lets happen what is queued now.
+    // Runs what is queued.
     void settle() {
         for (int turn = 0; turn < 5; ++turn) {
             mainQueue.runPending();
@@ -56,7 +56,7 @@ protected:
         }
     }
 
-    // Waits for a condition. False if it never holds, which only a failing test sees.
+    // Waits for a condition; returns false if it does not hold within 30 seconds.
     [[nodiscard]] bool until(const std::function<bool()>& condition) {
         QElapsedTimer waited;
         for (waited.start(); waited.elapsed() < 30'000;) {
@@ -87,7 +87,7 @@ protected:
         settle();
     }
 
-    // Whether the text is to be read anywhere in the window.
+    // Whether the text is visible anywhere in the window.
     bool shows(const QString& text) {
         for (const auto* label : view->findChildren<QLabel*>())
             if (label->isVisible() && label->text() == text) return true;
@@ -96,7 +96,7 @@ protected:
         return false;
     }
 
-    // What is shown when the pointer rests on a control.
+    // The tooltip shown when the pointer rests on a control; empty if there is none.
     static QString toolTipOf(const QWidget& widget) {
         EXPECT_TRUE(QTest::qWaitFor([] { return !QToolTip::isVisible(); }));
         auto& asked = const_cast<QWidget&>(widget);
@@ -133,7 +133,7 @@ protected:
         settle();
     }
 
-    // So many serves, named by their number.
+    // `count` serves, named by their numbers.
     static std::vector<ServeEntry> serves(int count) {
         std::vector<ServeEntry> entries;
         for (int i = 0; i < count; ++i)

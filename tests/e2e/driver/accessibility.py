@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What assistive technology sees of a program, and does to it (AT-SPI)."""
+"""A program's controls, seen and operated through AT-SPI."""
 
 import functools
 
@@ -19,14 +19,14 @@ def is_ready():
 
 
 def desktop():
-    # Nobody runs a main loop here that would keep cached answers up to date.
+    # No main loop runs here that would keep a cache up to date.
     root = Atspi.get_desktop(0)
     root.set_cache_mask(Atspi.Cache.NONE)
     return root
 
 
 def application(pid):
-    """The program with this process identifier, None where the registry does not know it."""
+    """The program with this process identifier; None if the registry does not know it."""
     root = desktop()
     for index in range(root.get_child_count()):
         child = quietly(lambda: root.get_child_at_index(index))
@@ -37,7 +37,7 @@ def application(pid):
 
 
 def quietly(ask):
-    """An answer, None where what was asked is gone by now."""
+    """The result of a call; None if the object no longer exists."""
     try:
         return ask()
     except GLib.Error:
@@ -45,7 +45,7 @@ def quietly(ask):
 
 
 class Element:
-    """One control. It may go away at any time; what is then asked of it is None or empty."""
+    """One control. It may be destroyed at any time; its properties are then None or empty."""
 
     def __init__(self, accessible):
         self.accessible = accessible
@@ -60,12 +60,12 @@ class Element:
     @property
     def role(self):
         name = quietly(self.accessible.get_role_name) or ""
-        # As later releases of AT-SPI call it.
+        # Later releases of AT-SPI call it "button".
         return "push button" if name == "button" else name
 
     @property
     def pid(self):
-        """The process that it is a part of."""
+        """The identifier of its process."""
         return quietly(self.accessible.get_process_id)
 
     @property
@@ -98,7 +98,7 @@ class Element:
         return Element(found) if found else None
 
     def descendants(self):
-        """All below that are on the screen, in visual order."""
+        """All showing descendants, in visual order."""
         for child in self.children:
             if child.showing:
                 yield child
@@ -110,22 +110,22 @@ class Element:
         return (name is None or self.name == name) and (roles is None or self.role in roles)
 
     def all(self, name=None, role=None):
-        """Those below with this name and one of these roles."""
+        """The descendants with this name and one of these roles."""
         return [element for element in self.descendants() if element.matches(name, role)]
 
     def find(self, name=None, role=None):
-        """The first such one, None where there is none."""
+        """The first such descendant; None if there is none."""
         return next((element for element in self.descendants() if element.matches(name, role)), None)
 
     def await_one(self, name=None, role=None):
-        """The first such one, as soon as there is one."""
+        """Waits for the first such descendant and returns it."""
         try:
             return until(f"{role or 'something'} called {name!r}", lambda: self.find(name, role))
         except TimedOut as failure:
             raise TimedOut(f"{failure}; there are {list(self.descendants())}") from None
 
     def act(self, *wanted):
-        """Does the first of these actions that it has, such as "Press"."""
+        """Performs the first of these actions that it has, such as "Press"."""
         actions = self.accessible.get_action_iface()
         names = [Atspi.Action.get_action_name(actions, index) for index in range(Atspi.Action.get_n_actions(actions))] if actions else []
         for action in wanted:
@@ -139,7 +139,7 @@ class Element:
         self.act("Press", "Toggle", "ShowMenu")
 
     def switch(self, on):
-        """Checks or unchecks a box or a choice."""
+        """Checks or unchecks a check box or radio button."""
         if self.has("checked") != on:
             self.act("Toggle", "Press")
         until(f"{self} to be {'on' if on else 'off'}", lambda: self.has("checked") == on)
@@ -151,7 +151,7 @@ class Element:
 
 
 class Announcements:
-    """What programs say of themselves, unasked: each notification that comes into sight."""
+    """What programs announce: each notification that is shown."""
 
     def __init__(self):
         self.said = []  # process identifiers and texts
@@ -164,7 +164,7 @@ class Announcements:
             self.said.append((source.pid, source.name))
 
     def take(self, pid, text):
-        """Whether a program has said this; if so, what it has said until then is forgotten."""
+        """Whether a program has announced this; if so, drops all of its announcements so far."""
         while GLib.MainContext.default().iteration(False):
             pass
         if (pid, text) not in self.said:
@@ -175,5 +175,5 @@ class Announcements:
 
 @functools.cache
 def announcements():
-    """Those that are made from the first call on."""
+    """The announcements from the first call on."""
     return Announcements()

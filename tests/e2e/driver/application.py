@@ -18,7 +18,7 @@ class Application:
         self.desktop = desktop
         self.child = None
         self.window = None
-        self.mounts = None  # those that it sees, where they are not everybody's
+        self.mounts = None  # its mount namespace, if it has its own
 
     @property
     def preferences(self):
@@ -31,20 +31,20 @@ class Application:
         return self.desktop.folder / "application.log"
 
     def managed(self):
-        """The record of managed servers: a dictionary by port, None where there is none yet."""
+        """The record of managed servers, a dictionary by port; None if there is none yet."""
         try:
             return json.loads(self.preferences.read_bytes()).get(RECORD)
         except FileNotFoundError:
             return None
 
     def launch(self):
-        """Starts the program and gives its process."""
+        """Starts the program and returns its process."""
         command = self.mounts.inside(self.program) if self.mounts else [self.program]
         self.child = process.start(*command, env=self.desktop.environment, log=self.log)
         return self.child
 
     def start(self):
-        """Starts the program and waits until its window is there and has been filled."""
+        """Starts the program and waits until its window is shown and has been filled."""
         self.launch()
         root = until("the program to appear", lambda: self.alive() and accessibility.application(self.child.pid))
         self.window = Window(root, self.desktop)
@@ -57,7 +57,7 @@ class Application:
         return True
 
     def quit(self):
-        """Closes the window, as a person at the keyboard does, and gives the exit status."""
+        """Closes the window by key and returns the exit status."""
         self.desktop.key("ctrl+w")
         return self.child.wait(10)
 

@@ -24,7 +24,7 @@ def running(server):
 
 
 class Echo(http.server.BaseHTTPRequestHandler):
-    """Says which path it was asked for."""
+    """Replies with a greeting and the path of the request."""
 
     def do_GET(self):
         body = f"{self.server.greeting} {self.path}".encode()
@@ -39,7 +39,7 @@ class Echo(http.server.BaseHTTPRequestHandler):
 
 
 def web(greeting, port=0):
-    """A web server that answers with the greeting and the path. Gives its port."""
+    """A web server that replies with the greeting and the path. Yields its port."""
     server = http.server.ThreadingHTTPServer(("127.0.0.1", port), Echo)
     server.greeting = greeting
     return running(server)
@@ -67,13 +67,13 @@ class Reversing(socketserver.StreamRequestHandler):
 
 
 class LineServer(socketserver.ThreadingTCPServer):
-    allow_reuse_address = True  # The ports for Funnel are few, and used again at once.
+    allow_reuse_address = True  # Funnel has few ports, so they are reused at once.
 
 
 def tcp():
-    """A TCP server that sends one line back in reverse and closes. Gives its port.
+    """A TCP server that sends one line back in reverse and closes. Yields its port.
 
-    It is one that Tailscale allows for Funnel, and that needs no rights.
+    Tailscale allows the port for Funnel, and binding it needs no privilege.
     """
     for port in (10000, 8443):
         try:
@@ -84,6 +84,6 @@ def tcp():
 
 
 def listens(port):
-    """Whether anybody takes connections on a local port."""
+    """Whether a local port accepts connections."""
     with socket.socket() as visitor:
         return visitor.connect_ex(("127.0.0.1", port)) == 0

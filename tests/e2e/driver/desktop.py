@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""A screen of our own, with all that a window expects of a desktop."""
+"""A screen of our own, with everything that a window expects of a desktop."""
 
 import os
 import subprocess
@@ -8,14 +8,14 @@ from pathlib import Path
 from . import process
 from .waiting import until
 
-# The session's own settings would reach the window; only these may.
+# The only variables of the session that the window gets.
 KEPT = ("PATH", "HOME", "USER", "LOGNAME", "SHELL", "TMPDIR", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS")
 
 
 class Desktop:
     """An X server without a monitor, a window manager, a message bus and the accessibility service.
 
-    One to a driver: the accessibility library connects to the first that it is given.
+    One per driver process: the accessibility library stays connected to the first bus.
     """
 
     def __init__(self, folder):
@@ -32,7 +32,7 @@ class Desktop:
             "XDG_SESSION_TYPE": "x11",
             "QT_QPA_PLATFORM": "xcb",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
-            # Qt tells of what AT-SPI has that it does not know yet.
+            # Qt warns of AT-SPI features that it does not know.
             "QT_LOGGING_RULES": "qt.accessibility.atspi.warning=false",
         }
 
@@ -57,7 +57,7 @@ class Desktop:
         self.children.clear()
 
     def assert_whole(self):
-        """Fails where a part of the desktop has ended."""
+        """Fails if a part of the desktop has ended."""
         for child in self.children:
             assert child.poll() is None, f"{child.args} ended with status {child.returncode}; see {self.folder}"
 
@@ -67,7 +67,7 @@ class Desktop:
         return child
 
     def announced(self, *command):
-        """Starts a server that writes where it listens to a descriptor, and gives what it wrote."""
+        """Starts a server that writes its address to a descriptor, and returns the address."""
         reader, writer = os.pipe()
         try:
             self.start(*(word.format(fd=writer) for word in command), pass_fds=(writer,))
@@ -80,12 +80,12 @@ class Desktop:
         return line
 
     def answers(self, *question):
-        """Whether a command that asks a part of the desktop succeeds."""
+        """Whether a command that queries a part of the desktop succeeds."""
         self.assert_whole()
         return subprocess.run(question, env=self.environment, capture_output=True).returncode == 0
 
     def await_accessibility(self):
-        """Programs that start before the registry is there are missed by it."""
+        """Waits for the registry, which misses programs that start before it."""
         asks = ("dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")
         until("the accessibility service", lambda: self.answers(*asks))
         from . import accessibility
@@ -93,11 +93,11 @@ class Desktop:
         until("the accessibility registry", accessibility.is_ready)
 
     def key(self, combination):
-        """Presses keys, such as "Home" or "ctrl+w", for whatever has the focus."""
+        """Presses keys, such as "Home" or "ctrl+w", in the focused window."""
         subprocess.run(["xdotool", "key", combination], env=self.environment, check=True)
 
     def windows(self, pid):
-        """How many windows of a program are on the screen, menus among them."""
+        """The number of a program's visible windows, including menus."""
         asks = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
         return len(subprocess.run(asks, env=self.environment, capture_output=True, text=True).stdout.split())
 

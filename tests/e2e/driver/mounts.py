@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""Disks that fail, for one program alone. Needs root."""
+"""Disks that fail, visible to one program only. Needs root."""
 
 import os
 import subprocess
@@ -10,7 +10,7 @@ from .waiting import until
 
 
 class Mounts:
-    """A mount namespace: what is mounted here only those see who enter, and it goes with the last of them."""
+    """A mount namespace: only processes inside see its mounts, and it ends with the last of them."""
 
     def __enter__(self):
         self.holder = process.start("unshare", "--mount", "--propagation", "private", "sleep", "infinity")
@@ -21,11 +21,11 @@ class Mounts:
         process.end(self.holder)
 
     def inside(self, *command):
-        """A command that runs another one inside."""
+        """The command line that runs a command inside."""
         return ["nsenter", f"--mount=/proc/{self.holder.pid}/ns/mnt", "--", *command]
 
     def seen(self, path):
-        """A path inside, for those outside."""
+        """A path inside, as seen from outside."""
         return Path(f"/proc/{self.holder.pid}/root{path}")
 
     def mount(self, *words):
@@ -54,7 +54,7 @@ class FullDisk:
 
 
 class ReadOnlyDisk:
-    """A file system in memory that becomes read-only, as one does that has errors."""
+    """A file system in memory that becomes read-only, as after a disk error."""
 
     reason = "Read-only file system"
 
@@ -70,10 +70,10 @@ class ReadOnlyDisk:
 
 
 class HungDisk:
-    """A file system over a folder that answers no question, like that of a network whose server is gone."""
+    """A file system on a folder that answers no request, like a network file system whose server is gone."""
 
     def __init__(self, program, mounts, folder):
-        # It runs until the end of its standard input, which ends with us.
+        # It runs until its standard input closes, at the latest when this process ends.
         self.child = process.start(*mounts.inside(program, folder), stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
         assert self.child.stdout.readline() == "mounted\n"
 
@@ -81,6 +81,6 @@ class HungDisk:
         assert self.child.stdout.readline() == "asked\n"
 
     def end(self):
-        """Who waits gets an error."""
+        """Unmounts it; pending calls return an error."""
         self.child.stdin.close()
         self.child.wait(10)

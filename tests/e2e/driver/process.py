@@ -6,7 +6,7 @@ from pathlib import Path
 
 
 def start(*command, log=None, **options):
-    """Starts a command that is killed when the driver ends, however that ends."""
+    """Starts a command that is killed when the driver ends, however it ends."""
     output = open(log, "ab") if log else subprocess.DEVNULL
     options = {"stdin": subprocess.DEVNULL, "stdout": output, "stderr": output} | options
     try:
@@ -17,7 +17,7 @@ def start(*command, log=None, **options):
 
 
 def end(child, patience=10):
-    """Ends a child politely, and by force where that does not help."""
+    """Ends a child with SIGTERM, or after `patience` seconds with SIGKILL; returns its exit status."""
     if child.poll() is None:
         child.terminate()
     try:
@@ -33,7 +33,7 @@ def running():
 
 
 def command_line(pid):
-    """The words that a process was started with; none where it has ended."""
+    """The arguments of a process; empty if it has ended."""
     try:
         return Path(f"/proc/{pid}/cmdline").read_text(errors="replace").split("\0")
     except OSError:

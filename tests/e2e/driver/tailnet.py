@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The tailnet that the window's own node is in, seen from its second node."""
+"""The tailnet of the node that runs the window, and of a second node that visits it."""
 
 import json
 import re
@@ -15,7 +15,7 @@ PEER = "peer"  # visits its shares
 
 
 class Tailnet:
-    """Runs from `with` to the end of it, or of the driver."""
+    """A context manager: runs until the end of the `with` block, or of the driver."""
 
     def __init__(self, programs, folder):
         self.programs = Path(programs)
@@ -24,7 +24,7 @@ class Tailnet:
 
     def __enter__(self):
         self.folder.parent.mkdir(parents=True, exist_ok=True)
-        # It ends with its standard input, which ends with us.
+        # It ends when its standard input closes, at the latest when this process ends.
         self.child = process.start(
             self.programs / "tailnet", "run", "--until-eof", "--bin", self.programs, "--dir", self.folder,
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True,
@@ -39,7 +39,7 @@ class Tailnet:
         self.child.stdin.close()
         complaints = self.child.stderr.read().splitlines()
         self.child.wait(20)
-        # Before 1.82 a daemon asks whether its certificate is due; nothing else may go outside.
+        # Before 1.82 a daemon checks whether its certificate is due; nothing else may leave this machine.
         complaints = [line for line in complaints if not line.endswith("CONNECT acme-v02.api.letsencrypt.org:443")]
         assert not complaints, complaints
 
@@ -52,23 +52,23 @@ class Tailnet:
         return f"https://{self.name}{'' if port == 443 else f':{port}'}{path}"
 
     def tailscale(self, *arguments, node=HOST):
-        """Runs the command line of a node and gives what it printed."""
+        """Runs a node's tailscale and returns what it printed."""
         command = [self.record["nodes"][node]["cli"], *arguments]
         return subprocess.run(command, check=True, capture_output=True, text=True, timeout=60).stdout
 
     @property
     def version(self):
-        """Of Tailscale, such as (1, 102, 5)."""
+        """Tailscale's version, such as (1, 102, 5)."""
         return tuple(int(number) for number in self.record["version"].split("-")[0].split("."))
 
     def said(self, *arguments):
-        """What the host's command line prints about something that it refuses."""
+        """What the host's tailscale prints when it refuses these arguments."""
         refused = subprocess.run([self.record["nodes"][HOST]["cli"], *arguments], capture_output=True, text=True, timeout=60)
         assert refused.returncode, refused
         return (refused.stdout + refused.stderr).strip()
 
     def command_line(self, prefix="", socket=None):
-        """The shell command that stands for the host's tailscale: with words before it, or another socket."""
+        """The shell command that runs the host's tailscale, with a prefix or another socket."""
         line = Path(self.record["nodes"][HOST]["cli"]).read_text().splitlines()[-1]
         if socket:
             line = re.sub(r"--socket='[^']*'", f"--socket='{socket}'", line)
@@ -76,7 +76,7 @@ class Tailnet:
 
     @contextmanager
     def command_replaced(self, script):
-        """Puts a script in the place of the host's tailscale, or nothing for None."""
+        """Replaces the host's tailscale with a script, or removes it if that is None."""
         command = Path(self.record["nodes"][HOST]["cli"])
         kept = command.rename(command.with_suffix(".kept"))
         try:
@@ -89,7 +89,7 @@ class Tailnet:
 
     @contextmanager
     def stopped(self):
-        """The host as "tailscale down" leaves it."""
+        """Runs "tailscale down" on the host, and "tailscale up" at the end."""
         self.tailscale("down")
         try:
             yield
@@ -98,13 +98,13 @@ class Tailnet:
             self.await_reached()
 
     def account(self):
-        """The account that the host is logged in under, as "tailscale switch" names it."""
+        """The host's current account, as "tailscale switch" names it."""
         lines = self.tailscale("switch", "--list").splitlines()
         return next(line.split()[0] for line in lines if line.rstrip().endswith("*"))
 
     def log_in(self, hostname):
-        """Logs the host in under one more account, which is the current one from then on. Returns it."""
-        # Tailscale knows accounts apart by user and server; another name of the server is another one.
+        """Logs the host in to another account, switches to it and returns it."""
+        # Tailscale distinguishes accounts by user and server name, so another name for the server is another account.
         server = self.record["control"].replace("127.0.0.1", "localhost")
         self.tailscale("login", f"--login-server={server}", f"--hostname={hostname}", "--accept-dns=false")
         self.await_running()
@@ -122,7 +122,7 @@ class Tailnet:
         return until("the host to be in its tailnet", runs).rstrip(".")
 
     def await_reached(self):
-        """Until the second node reaches the first again. Older versions take a while to agree on new keys."""
+        """Waits until the second node reaches the first again. Older versions take a while to agree on new keys."""
         until("the second node to reach the first again", self.reaches_again)
 
     def reaches_again(self):
@@ -130,7 +130,7 @@ class Tailnet:
         return subprocess.run(ping, capture_output=True, timeout=60).returncode == 0
 
     def commands(self):
-        """The command lines of the host's tailscale that run."""
+        """The command lines of the host's running tailscale processes."""
         socket = re.search(r"--socket='([^']*)'", self.command_line())[1]
         lines = [process.command_line(pid) for pid in process.running()]
         return [line for line in lines if f"--socket={socket}" in line and line[0].endswith("/tailscale")]
@@ -139,22 +139,22 @@ class Tailnet:
         return json.loads(self.tailscale("serve", "status", "--json"))
 
     def fetch(self, path, port=443, funnel=False, head=False, output=None):
-        """What the second node, or a visitor from the internet, gets for a path of the first one.
+        """What the first node returns for a path to the second node, or to a visitor from the internet.
 
-        A dictionary with status, headers, bytes, sha256 and, where it is short text, body. Raises
-        Unreachable where there is no answer.
+        A dictionary with status, headers, bytes, sha256 and, for short text, body. Raises Unreachable
+        if there is no answer.
         """
         options = ["--funnel"] * funnel + ["--head"] * head + (["--output", output] if output else [])
         return json.loads(self.visit("fetch", *options, self.url(path, port)))
 
     def dial(self, port, data, funnel=False):
-        """Sends bytes to a TCP port of the first node, and gives what comes back until it closes.
+        """Sends bytes to a TCP port of the first node and returns what it sends until it closes.
 
-        Raises Unreachable where nothing comes back.
+        Raises Unreachable if that is nothing.
         """
         answer = self.visit("dial", *["--funnel"] * funnel, f"{self.name}:{port}", data=data)
         if not answer:
-            # A relay takes a connection before it knows whether anybody is there.
+            # A relay accepts a connection before it knows whether the node does.
             raise Unreachable(f"port {port} closed without a word")
         return answer
 
@@ -167,4 +167,4 @@ class Tailnet:
 
 
 class Unreachable(Exception):
-    """A visitor found nobody to talk to."""
+    """A visitor could not connect, or got no answer."""

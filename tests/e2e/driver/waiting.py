@@ -1,18 +1,18 @@
 # SPDX-License-Identifier: MIT
-"""Waiting for what a person would wait for."""
+"""Waiting for conditions."""
 
 import time
 
-# Generous: what is waited for takes well under a second on an idle machine.
+# Generous: on an idle machine each wait takes well under a second.
 PATIENCE = 60.0
 
 
 class TimedOut(AssertionError):
-    """Something did not happen."""
+    """A condition did not become true in time."""
 
 
 def until(what, condition, patience=PATIENCE):
-    """Returns the first true value of condition(); fails, naming `what`, where there is none."""
+    """Returns the first true value of condition(); raises TimedOut, naming `what`, if there is none in time."""
     deadline = time.monotonic() + patience
     while True:
         value = condition()

@@ -4,7 +4,7 @@
 from .accessibility import announcements
 from .waiting import until
 
-# Labels of the choices "Source Type", and of the field that each one asks to fill in.
+# The labels of the choices under "Source Type", and of the field that each one shows.
 FIELDS = {
     "Port / App URL": "Port or URL",
     "File": "File Path",
@@ -27,7 +27,7 @@ class Window:
         self.frame = application.await_one("Brevane", "frame")
 
     def await_idle(self):
-        """Until no command runs, as far as the header shows."""
+        """Waits until the header shows no running command."""
         until("the window to be idle", lambda: self.refresh_button() and not self.frame.find("Busy"))
 
     def refresh_button(self):
@@ -41,13 +41,13 @@ class Window:
         return self.frame.await_one(text, "label")
 
     def await_announcement(self, message):
-        """Until a message has been shown, be it gone by now, such as a toast."""
+        """Waits until a message, such as a toast, has been shown, even if it is gone already."""
         until(f"the message {message!r}", lambda: self.announcements.take(self.application.pid, message))
 
     # The form
 
     def fill(self, kind, source, mode="Serve", path=None, background=True):
-        """Fills the form in; a path of None is left as it is."""
+        """Fills in the form; leaves the URL path as it is if `path` is None."""
         self.frame.await_one(mode, ("radio button", "check box", "toggle button")).switch(True)
         self.choose(kind)
         self.field(FIELDS[kind]).write(source)
@@ -59,7 +59,7 @@ class Window:
         return self.frame.await_one(label, TEXT)
 
     def choose(self, kind):
-        """Takes a source type from the list that drops down."""
+        """Chooses a source type from the drop-down list."""
         box = until("the choice of source types", lambda: self.frame.find(role="combo box"))
         box.press()
         until("the list to drop down", lambda: all(item.showing for item in box.all(role="list item")))
@@ -93,11 +93,11 @@ class Window:
         self.await_idle()
 
     def form_error(self):
-        """The text of the failure that the form shows, None where there is none."""
+        """The error that the form shows; None if there is none."""
         return self.shown_error(beside="Run in background", rather_than="Clear")
 
     def shown_error(self, beside, rather_than):
-        """The text of the failure that is nearer to one control than to another."""
+        """The text of the error that is nearer to one control than to another."""
         for text in self.frame.all("Error", TEXT):
             around = text.parent
             while around and not around.find(beside) and not around.find(rather_than):
@@ -107,7 +107,7 @@ class Window:
         return None
 
     def await_form_error(self):
-        """The failure of the start that is under way."""
+        """Waits until the start has failed and returns the error."""
         return until("an error in the form", lambda: self.start_has_ended() and self.form_error())
 
     def start_has_ended(self):
@@ -123,7 +123,7 @@ class Window:
         return [item for item in self.frame.all(role="list item") if item.find("Stop share")]
 
     def row(self, *words):
-        """The row whose name has all these words in it, None where there is none."""
+        """The row whose name contains all these words; None if there is none."""
         return next((row for row in self.row_elements() if all(word in row.name for word in words)), None)
 
     def await_row(self, *words):
@@ -133,12 +133,12 @@ class Window:
         self.await_label("No active shares")
 
     def stop(self, row, answer="Stop"):
-        """Asks for the port of a row to be stopped, and answers the question that follows."""
+        """Presses a row's stop button and answers the confirmation."""
         row.find("Stop share", "push button").press()
         self.answer(answer)
 
     def reset(self, item, answer="Reset"):
-        """Chooses a reset from the menu, and answers the question that follows."""
+        """Chooses a reset from the menu and answers the confirmation."""
         self.frame.await_one("Reset Shares").press()
         until("the menu to open", lambda: self.desktop.windows(self.application.pid) > 1)
         for _ in range(RESETS.index(item) + 1):
@@ -147,13 +147,13 @@ class Window:
         self.answer(answer)
 
     def answer(self, button):
-        """Presses a button of the question that is asked, and waits until it has gone."""
+        """Presses a button of the open confirmation and waits until it has closed."""
         dialog = until("a question", lambda: self.application.find(role="dialog"))
         dialog.await_one(button, "push button").press()
         until("the question to go", lambda: not self.application.find(role="dialog"))
 
     def error(self):
-        """The text of the banner, None where there is none."""
+        """The text of the banner; None if there is none."""
         return self.shown_error(beside="Clear", rather_than="Run in background")
 
     def await_error(self):
