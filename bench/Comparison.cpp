@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-// The main function of every benchmark program. It runs the benchmarks of each measure in turns,
-// so that a machine that is busy for a while is busy for both sides.
+// The main function of every benchmark program. It interleaves the benchmarks of each measure, so
+// that temporary load on the machine affects both sides.
 namespace {
 
 double median(std::vector<double> values) {
@@ -17,8 +17,8 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
-/// Prints {"name", "value", "unit", "peer", "peer_value", "ratio"} of each measure: medians of the
-/// repetitions, in processor time.
+/// Prints {"name", "value", "unit", "peer", "peer_value", "ratio"} for each measure: the medians of
+/// the repetitions' processor times.
 class Comparison : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context&) override { return true; }
@@ -61,7 +61,7 @@ int main(int count, char** arguments) {
     std::string inTurns = "--benchmark_enable_random_interleaving=true";
     std::string repeated = "--benchmark_repetitions=31";
     std::string briefly = "--benchmark_min_time=0.05";
-    // After the program's name, so that the caller's own options win.
+    // Inserted first, so that the caller's options override them.
     all.insert(all.begin() + 1, {inTurns.data(), repeated.data(), briefly.data()});
     int size = static_cast<int>(all.size());
     benchmark::Initialize(&size, all.data());

@@ -1,5 +1,5 @@
-# What bench/http measures with: its client, the limit, many servers in one process, and a folder that
-# hangs. Linux only.
+# The programs that bench/http uses: its client, the limit, many servers in one process, and a folder
+# that hangs. Linux only.
 if(CMAKE_SYSTEM_NAME STREQUAL "Linux")
   add_executable(http-client http-client.cpp HttpExchange.cpp)
   add_executable(http-limit http-limit.cpp)

@@ -29,7 +29,7 @@ void HttpExchange::connect(std::chrono::steady_clock::time_point due) {
     server.sin_port = htons(port_);
     server.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     socket_ = ::socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
-    // A failure shows as an event on the socket.
+    // epoll reports a failure as an event on the socket.
     ::connect(socket_, reinterpret_cast<const sockaddr*>(&server), sizeof server);
 }
 
@@ -51,7 +51,7 @@ bool HttpExchange::advance() {
         return false;
     }
     static std::array<char, 256 * 1024> buffer;
-    // In turns, so that a large response does not hold up the others' latencies.
+    // Limits the turns, so that a large response does not delay the other exchanges.
     for (int turn = 0; turn < 16; ++turn) {
         const auto count = ::recv(socket_, buffer.data(), buffer.size(), 0);
         if (count < 0) return errno == EAGAIN ? false : finish(false);
@@ -89,7 +89,7 @@ void HttpExchange::readHead() {
 
 bool HttpExchange::finish(bool atEnd) {
     ended_ = atEnd;
-    // Chunked: its end is the connection's.
+    // Without a Content-Length, the response ends with the connection.
     if (bodyBegin_ > 0 && expected_ == SIZE_MAX) expected_ = total_;
     ::close(socket_);
     socket_ = -1;

@@ -8,17 +8,16 @@
 
 namespace brevane::bench {
 
-/// One request on a connection of its own, over and over; registered with an epoll instance while
-/// it is under way.
+/// One request at a time, each on a new connection, which is registered with an epoll instance.
 class HttpExchange {
 public:
     HttpExchange(int poll, std::size_t index, std::uint16_t port, const std::string& path);
 
-    /// Connects. `due` is the time that the latency counts from.
+    /// Connects. The latency counts from `due`.
     void connect(std::chrono::steady_clock::time_point due);
-    /// Sends the request, and has the epoll instance tell what comes.
+    /// Sends the request and registers the connection with the epoll instance.
     void request();
-    /// Takes what has arrived. True when the exchange is over, well or not.
+    /// Reads what has arrived. Returns true when the exchange is over, even if it failed.
     [[nodiscard]] bool advance();
 
     [[nodiscard]] bool isUnderWay() const { return socket_ >= 0; }
@@ -26,7 +25,7 @@ public:
     [[nodiscard]] int status() const { return status_; }
     [[nodiscard]] std::size_t received() const { return total_; }
     [[nodiscard]] std::chrono::steady_clock::time_point due() const { return due_; }
-    /// When the first byte of the body had arrived.
+    /// When the first byte of the body arrived.
     [[nodiscard]] std::chrono::steady_clock::time_point firstByte() const { return firstByte_; }
 
 private:

@@ -5,8 +5,8 @@
 #include <benchmark/benchmark.h>
 #include <simdjson.h>
 
-// The status of a tailnet of 10,000 peers: Brevane's decoder, which builds two members of it,
-// beside simdjson, which builds a document of the whole.
+// Decodes the status of a tailnet of 10,000 peers: with Brevane's decoder, which extracts two
+// members, and with simdjson, which builds the whole document.
 namespace {
 
 const std::string document = brevane::bench::statusDocument(10'000);
@@ -20,7 +20,7 @@ void brevaneDecode(benchmark::State& state) {
 }
 
 void simdjsonParse(benchmark::State& state) {
-    // As its manual asks for: one parser, whose buffers are kept, and padded input.
+    // As its manual recommends: one parser, which reuses its buffers, and padded input.
     simdjson::dom::parser parser;
     const simdjson::padded_string padded(document);
     for (auto _ : state) {

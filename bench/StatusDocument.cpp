@@ -15,12 +15,12 @@ constexpr std::array<std::string_view, 5> names{"laptop", "build-runner", "db", 
 constexpr std::array<std::string_view, 5> systems{"linux", "macOS", "windows", "iOS", "android"};
 constexpr std::array<std::string_view, 4> relays{"fra", "nyc", "sin", ""};
 
-/// Makes up what differs from one node to the next, the same in every run.
+/// Generates nodes that differ from each other but are the same in every run.
 class Nodes {
 public:
     std::string key() { return hex("nodekey:", 64); }
 
-    /// One node's record, from "{" to "}", after `indent` on each line.
+    /// One node's record, from "{" to "}", with its lines indented by `indent`.
     std::string record(std::string_view indent) {
         const std::string name = std::string(pick(names)).append("-").append(number(1, 9999));
         const std::string ip = "100.64." + number(0, 255) + "." + number(1, 254);

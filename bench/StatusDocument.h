@@ -5,8 +5,8 @@
 
 namespace brevane::bench {
 
-/// The status document of a node in a tailnet with that many peers, laid out as
-/// `tailscale status --json` prints it: about 1 kB for each.
+/// The status of a node in a tailnet with so many peers, formatted as by `tailscale status --json`:
+/// about 1 kB per peer.
 [[nodiscard]] std::string statusDocument(int peers);
 
 } // namespace brevane::bench

@@ -2,12 +2,12 @@
 // http-client [-a] [-c CLIENTS] [-d SECONDS] [-n REQUESTS] [-r RATE] [-l SECONDS] [-s STATUS] PORT
 // PATH
 //
-// Asks a server on 127.0.0.1 for PATH over and over, on a new connection each time, and prints one
-// JSON object about it. CLIENTS requests are under way at any time; with -r, RATE requests begin
-// every second, as far as CLIENTS allows, and a late one's latency counts from when it was due.
-// With -l, each request is sent so long after its connection. A response that does not have STATUS
-// or the length that it says is an error, and so is one that has not come 5 seconds after the end;
-// with -a, the client hangs up at the end instead, and what has arrived by then counts as bytes.
+// Requests PATH from a server on 127.0.0.1 repeatedly, each time on a new connection, and prints
+// one JSON object with the results. Keeps CLIENTS requests running; with -r, starts RATE requests
+// per second, up to CLIENTS at once, and counts a late one's latency from when it was due. With -l,
+// sends each request that long after connecting. A response without STATUS or of another length
+// than it announces is an error, and so is one that is incomplete 5 seconds after the end; with -a,
+// the client disconnects at the end instead, and counts the bytes received so far.
 #include "HttpExchange.h"
 
 #include <sys/epoll.h>
@@ -151,8 +151,8 @@ private:
         }
     }
 
-    // How long nothing has to be begun or sent. The last half of a millisecond is spent awake, as
-    // waking up takes its time; the rest is not, as it belongs to whoever shares the processor.
+    // How long nothing has to be started or sent, at most 100 ms. Half a millisecond less, which is
+    // spent polling, since waking up takes time; the rest leaves the processor to others.
     [[nodiscard]] timespec untilDue(bool open, Clock::time_point now) const {
         auto due = now + std::chrono::milliseconds(100);
         if (open && options_.rate > 0 && !idle_.empty()) due = std::min(due, nextDue());
@@ -180,7 +180,7 @@ private:
         }
     }
 
-    // In microseconds; sorts.
+    // In microseconds. Sorts `times`.
     static double percentile(std::vector<Seconds>& times, double part) {
         if (times.empty()) return 0;
         std::ranges::sort(times);

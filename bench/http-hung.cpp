@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// http-hung DIR: mounts a file system on DIR that knows its own root and answers no question about
-// anything below it, like a network folder whose server is gone. Prints a line when it is mounted
-// and one for each question from then on. Runs until standard input ends; all who wait get an
-// error then, and the mount goes. Needs root.
+// http-hung DIR: mounts a FUSE file system on DIR that answers requests about its root, but none
+// about anything below it, like a network folder whose server is gone. Prints a line when it is
+// mounted and one for each unanswered request. Runs until standard input closes; then unmounts, and
+// all pending requests fail. Needs root.
 #include <fcntl.h>
 #include <linux/fuse.h>
 #include <poll.h>
@@ -23,7 +23,7 @@ class HungFolder {
 public:
     explicit HungFolder(std::string folder)
         : folder_(std::move(folder)), device_(::open("/dev/fuse", O_RDWR | O_CLOEXEC)) {}
-    // The kernel fails every question under way once nobody has the device open.
+    // The kernel fails all pending requests once the device is closed.
     ~HungFolder() {
         ::umount2(folder_.c_str(), MNT_DETACH);
         ::close(device_);
@@ -54,7 +54,7 @@ private:
             fuse_init_out agreed{};
             agreed.major = FUSE_KERNEL_VERSION;
             agreed.minor = FUSE_KERNEL_MINOR_VERSION;
-            // Else the kernel lets one look-up wait for another before it asks.
+            // Otherwise the kernel serializes the look-ups in a directory.
             agreed.flags = FUSE_PARALLEL_DIROPS;
             agreed.max_write = 4096;
             answer(question, agreed);

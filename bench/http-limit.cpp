@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// http-limit DIR PORT: the least that a request for a file can cost, as the limit for comparison:
+// http-limit DIR PORT: the minimum cost of a request for a file, as a lower limit for comparison:
 // accept, receive, open, fstat, read, send and close in one loop on one thread. It checks nothing,
-// has no listings and knows 200 and 404. No server to be used.
+// makes no listings and replies only 200 and 404. Not for actual use.
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>

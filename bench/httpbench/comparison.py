@@ -5,20 +5,20 @@ from . import peers
 
 
 class Failed(Exception):
-    """A measure that has no figures, with the reason."""
+    """A measure has failed; says why."""
 
 
 class Figure:
-    """What a measure's figures are called, and what is compared. `beside` is nginx, of whose two sets the
-    better one counts, or fastest, which is the best of all peers. `wanted` is the bound of the ratio: at
-    least so much where more is better, else at most."""
+    """One figure of a measure, and what it is compared with. `beside` is "nginx", the better of the two
+    configurations, or "fastest", the best of all peers. `wanted` bounds the ratio: from below if more is
+    better, otherwise from above."""
 
     def __init__(self, name, unit, digits, beside="nginx", wanted=None, more_is_better=False, note=None):
         self.name, self.unit, self.digits, self.beside = name, unit, digits, beside
         self.wanted, self.more_is_better, self.note = wanted, more_is_better, note
 
     def lines(self, values):
-        """The named comparison first, then one with each peer, whose name follows the measure's."""
+        """The comparison that counts first, then one with each peer, whose name is appended."""
         ours = values["brevane"]
         others = {name: value for name, value in values.items() if name != "brevane"}
         named = {name: value for name, value in others.items()
@@ -30,7 +30,7 @@ class Figure:
             yield self.line(f"{self.name}.{name}", ours, name, value)
 
     def beside_itself(self, ours, undisturbed, condition):
-        """The line of a measure whose peer is Brevane itself, under that condition."""
+        """The line of a measure whose peer is Brevane itself under another condition."""
         yield self.line(self.name, ours, f"brevane, {condition}", undisturbed, wanted=self.wanted, note=self.note)
 
     def line(self, name, ours, peer, value, wanted=None, note=None):
@@ -43,5 +43,5 @@ class Figure:
         return line
 
     def failure(self, reason):
-        """The line in place of figures."""
+        """The line that replaces the figures of a failed measure."""
         return {"name": self.name, "failed": str(reason)}

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the operating system tells and lets us arrange."""
+"""What the operating system reports, and how we set it up."""
 
 import os
 import pathlib
@@ -11,20 +11,20 @@ TICKS = os.sysconf("SC_CLK_TCK")
 
 
 def processors(servers=1):
-    """The processors of a server that has so many, and those of its clients: the others, or all where
-    there are no others."""
+    """The processors for a server that gets so many, and those for its clients: the others, or all if there
+    are no others."""
     allowed = sorted(os.sched_getaffinity(0))
     return allowed[-servers:], allowed[:-servers] or allowed
 
 
 def pinned(processors, command):
-    """The command, on these processors."""
+    """The command line that runs a command on these processors."""
     return ["taskset", "--cpu-list", ",".join(map(str, processors)), *command]
 
 
 def enter_own_network():
-    """Starts the program again in a network of its own, as root: no port is taken there, and the
-    connections that others closed a moment ago do not count. What it mounts goes with it."""
+    """As root, re-executes the program in its own network and mount namespaces: no port is in use there,
+    no connection is in TIME_WAIT, and its mounts end with it."""
     if os.environ.get("BREVANE_BENCH_NETWORK") != "own":
         if os.geteuid() != 0 or not shutil.which("unshare"):
             print("http: not root, so the machine's own network is used", file=sys.stderr)
@@ -37,12 +37,12 @@ def enter_own_network():
 
 
 def can_mount():
-    """Whether a folder that hangs can be made here, with no trace of it elsewhere."""
+    """Whether a hanging folder can be mounted here, invisible outside the namespace."""
     return os.environ.get("BREVANE_BENCH_NETWORK") == "own" and os.access("/dev/fuse", os.R_OK | os.W_OK)
 
 
 def evict(path):
-    """Takes a file out of the kernel's cache; returns whether that worked."""
+    """Drops a file from the page cache; returns whether that worked."""
     with open(path, "rb") as file:
         descriptor, size = file.fileno(), os.path.getsize(path)
         os.fsync(descriptor)
@@ -58,7 +58,7 @@ def is_cached(descriptor, offset):
 
 
 def family(pid):
-    """The process and all that it started."""
+    """The process and all its descendants."""
     found, waiting = [], [pid]
     while waiting:
         process = waiting.pop()
@@ -72,8 +72,8 @@ def family(pid):
 
 
 def processor_time(pid):
-    """Seconds that the process and its descendants have used: to the nanosecond, but for threads that
-    have ended, which only the process's own count knows, to the hundredth."""
+    """Processor time of the process and its descendants in seconds. Accurate to the nanosecond for running
+    threads; those that have ended count only in the process's ticks of a hundredth."""
     total = 0
     for process in family(pid):
         try:
@@ -87,7 +87,7 @@ def processor_time(pid):
 
 
 def used_times():
-    """Seconds that all processors together have been used, and what a hypervisor took of these for
+    """Seconds for which all processors together were busy, and how many of these a hypervisor took for
     other machines."""
     with open("/proc/stat") as stat:
         user, nice, system, _idle, _wait, irq, softirq, stolen = map(int, stat.readline().split()[1:9])
@@ -95,7 +95,7 @@ def used_times():
 
 
 def resident(pid):
-    """Kilobytes of memory in use by the process and its descendants."""
+    """Resident memory of the process and its descendants in kilobytes."""
     total = 0
     for process in family(pid):
         for line in pathlib.Path(f"/proc/{process}/status").read_text().splitlines():
@@ -105,5 +105,5 @@ def resident(pid):
 
 
 def descriptors(pid):
-    """Open ones of the process and its descendants."""
+    """The number of open descriptors of the process and its descendants."""
     return sum(len(os.listdir(f"/proc/{process}/fd")) for process in family(pid))

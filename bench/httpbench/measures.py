@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What is measured."""
+"""The measures."""
 
 import contextlib
 import os
@@ -14,7 +14,7 @@ from .comparison import Failed, Figure
 from .slices import wait_until, wait_until_quiet
 
 
-# Runs of a long slice, while others disturb it.
+# How often a long slice is run at most, if other programs disturb it.
 LONG_TRIES = 4
 
 
@@ -39,8 +39,8 @@ def milliseconds_to_first_byte(result):
 
 
 class Load:
-    """Slices of one kind of request, the servers in turns; several per round where one interruption of
-    the machine decides a slice."""
+    """Slices of one kind of request, with the servers in turns; several per round if a single interruption
+    would dominate a slice."""
 
     def __init__(self, figure, value, path, options, status=200, slices=1, limit=False, clients=1):
         self.figures, self.value, self.path = [figure], value, path
@@ -60,7 +60,7 @@ class Load:
         return bench.long_rounds if "LONG" in self.options else bench.rounds
 
     def lengths(self, bench, warming):
-        """The options with the length of a slice; the first turn, which warms up, is a short one."""
+        """The options with the length of a slice; the first turn, which warms up, is short."""
         words = {"SLICE": bench.seconds, "LONG": bench.seconds if warming else bench.long_seconds}
         return [words.get(option, option) for option in self.options]
 
@@ -73,8 +73,8 @@ class Load:
 
 
 class Beside(Load):
-    """Small requests beside downloads, and what the downloads get meanwhile: a server that lets them
-    wait is quick for others."""
+    """Latency of small requests during downloads, and the downloads' rate meanwhile, since a server that
+    delays downloads is fast for others."""
 
     def __init__(self, name, path, downloads, wanted):
         super().__init__(Figure(f"{name}.p99", "µs", 1, wanted=wanted), latency, "/1k.txt", ("-c", 512, "-r", 300, "-d", "LONG"))
@@ -90,8 +90,8 @@ class Beside(Load):
 
 
 class Cold(Load):
-    """A large file that the kernel does not have in its cache. What is below, a disk or another system,
-    may still have it in its own."""
+    """A large file that is not in the page cache. A layer below, such as the disk or a hypervisor, may
+    still cache it."""
 
     def sample(self, bench, server, options):
         if not machine.evict(bench.folder / "1g.bin"):
@@ -109,8 +109,8 @@ class Cold(Load):
 
 
 class Cores(Load):
-    """Fresh servers with two processors and as many workers. The client has the others; where there are
-    no others it shares theirs, and takes the same from each server."""
+    """New servers with two processors and as many workers. The clients get the other processors; if there
+    are none, they share the servers', at the same cost to each server."""
 
     def run(self, bench, servers):
         names = [name for name in servers if name != peers.LIMIT]
@@ -119,7 +119,7 @@ class Cores(Load):
 
 
 class Idle:
-    """Memory of connections whose requests never end, in servers that have just begun."""
+    """Memory of connections with incomplete requests, in new servers."""
 
     figures = [Figure("http.idle.memory", "kB", 3, wanted=0.1)]
 
@@ -139,7 +139,7 @@ class Idle:
 
 
 class BesideIdle:
-    """Latency beside 5,000 idle connections."""
+    """Latency with 5,000 idle connections open."""
 
     figures = [Figure("http.idle5000.p99", "µs", 1, wanted=1.5)]
 
@@ -159,7 +159,7 @@ class BesideIdle:
 
 
 class ManyServers:
-    """Processor time per request with 200 servers in the process."""
+    """Processor time per request with 200 servers in one process."""
 
     figures = [Figure("http.servers200.cpu", "µs", 2, wanted=1.05)]
 
@@ -174,8 +174,8 @@ class ManyServers:
 
 
 class Hung:
-    """Latency while as many requests as there are processors wait for a folder that hangs: of another
-    share of the process, and of the share that the folder is in."""
+    """Latency while as many requests as there are processors block on a hanging folder: of another share
+    of the process, and of the share with that folder."""
 
     figures = [Figure("http.hung", "µs", 1, wanted=2, note="another share of the process"),
                Figure("http.hung.same", "µs", 1, wanted=2, note="the share that the folder is in")]
@@ -211,7 +211,7 @@ class Share:
 
 @contextlib.contextmanager
 def several(bench, count):
-    """So many servers of ours in one process, of the same folder."""
+    """So many of our servers in one process, all for the same folder."""
     command = [str(bench.build / "bench/http-many"), str(bench.folder), str(count)]
     process = subprocess.Popen(machine.pinned(machine.processors()[0], command),
                                stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
@@ -228,7 +228,7 @@ def several(bench, count):
 
 @contextlib.contextmanager
 def hung_folder(bench):
-    """The folder "hung" hangs; gives the pipe that has a line for each question that somebody waits for."""
+    """Makes the folder "hung" hang; yields a pipe with a line for each unanswered request to it."""
     process = subprocess.Popen([str(bench.build / "bench/http-hung"), str(bench.folder / "hung")],
                                stdin=subprocess.PIPE, stdout=subprocess.PIPE, bufsize=0)
     try:
@@ -241,8 +241,8 @@ def hung_folder(bench):
 
 @contextlib.contextmanager
 def stuck(port, questions, count):
-    """So many requests for the folder that hangs; how many of them get as far as to ask it, in a second
-    each, is the server's affair."""
+    """So many requests for the hanging folder. The server may pass on fewer to the file system, but must
+    pass on at least one within a second."""
     with contextlib.ExitStack() as open_connections:
         asked = 0
         for number in range(count):
@@ -273,7 +273,7 @@ ALL = [
     Load(Figure("http.64k.cpu", "µs", 2, wanted=1.05), time_per_request, "/64k.bin", CLOSED_LOOP, limit=True),
     Load(Figure("http.404.cpu", "µs", 2, wanted=0.85), time_per_request, "/nothing", CLOSED_LOOP, status=404, limit=True),
     Load(Figure("http.list.rate", "1/s", 1, beside="fastest", wanted=4, more_is_better=True, note=INDEX),
-         # One client: lighttpd makes one index at a time, and refuses whoever asks meanwhile.
+         # One client: lighttpd makes one index at a time and refuses further requests meanwhile.
          requests_per_second, "/list/", ("-c", 1, "-d", "SLICE")),
     Load(Figure("http.10m.rate", "MB/s", 1, beside="fastest", wanted=1.0, more_is_better=True),
          megabytes_per_second, "/10m.bin", ("-c", 4, "-d", "SLICE"), slices=2),

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The servers that are measured: ours, its peers, and the limit."""
+"""The measured servers: ours, its peers, and the limit."""
 
 import contextlib
 import itertools
@@ -14,7 +14,7 @@ import time
 from . import machine
 
 ALL = ["nginx-small", "nginx-large", "lighttpd", "caddy", "miniserve", "limit"]
-# No server to be used, so that nothing is compared with it but by its own name.
+# Not for actual use, so it only counts in comparisons that have its name.
 LIMIT = "limit"
 
 NGINX = """
@@ -29,16 +29,16 @@ http {{
 }}
 """
 
-# As those who know it set it: a connection is handed over with its request, files stay open and looked
-# up, and a small file is read into one buffer and sent with its head by one call ...
+# As experts tune it: a connection is accepted only with its request, open files and look-ups are cached,
+# and a small file is read into one buffer and sent with its head by one call ...
 NGINX_SMALL = {
     "events": "multi_accept on;",
     "http": "sendfile off; output_buffers 1 128k; open_file_cache max=10000 inactive=60s; open_file_cache_valid 60s; "
             "open_file_cache_min_uses 1; open_file_cache_errors on;",
     "listen": "deferred",
 }
-# ... while a large one goes from the kernel's cache to the socket, in turns, so that no download has a
-# worker to itself.
+# ... while a large file goes from the page cache to the socket, in chunks, so that no download occupies
+# a worker.
 NGINX_LARGE = {
     "events": "",
     "http": "sendfile on; sendfile_max_chunk 1m; tcp_nopush on; open_file_cache max=10000 inactive=60s; "
@@ -73,12 +73,12 @@ http://:{port} {{
 
 
 def product(name):
-    """The program that a peer is: nginx is there twice, set for small and for large files."""
+    """The program of a peer: nginx is there twice, tuned for small and for large files."""
     return name.partition("-")[0]
 
 
 def fetch(names, build):
-    """Unpacks Debian's packages of these peers, as far as they can be had; takes a network."""
+    """Downloads and unpacks Debian's packages of these peers, as far as they are available."""
     fetched = build / "peers/fetch"
     fetched.mkdir(parents=True, exist_ok=True)
     for package in map(product, names):
@@ -94,7 +94,7 @@ def fetch(names, build):
 
 
 def program(name, build):
-    """The path of a peer's program: unpacked, or on the machine; None where it is neither."""
+    """The path of a peer's program, unpacked or installed; None if it is neither."""
     for place in ("usr/sbin", "usr/bin", "bin"):
         path = build / "peers" / name / place / name
         if path.exists():
@@ -103,7 +103,7 @@ def program(name, build):
 
 
 def command(name, port, folder, build, workers):
-    """What starts the server with so many workers, where it has such; None where its program cannot be had."""
+    """The command that starts the server, with so many workers if it has any; None if there is no program."""
     run = build / "peers/run"
     run.mkdir(parents=True, exist_ok=True)
     if name == "brevane":
@@ -132,7 +132,7 @@ def command(name, port, folder, build, workers):
 
 
 class Server:
-    """A running server, on the processors that servers have."""
+    """A running server on its processors."""
 
     _ports = itertools.count(8101)
 
@@ -146,14 +146,14 @@ class Server:
         home = {**os.environ, "XDG_DATA_HOME": str(build / "peers/run"), "XDG_CONFIG_HOME": str(build / "peers/run")}
         with open(self.log, "w") as output:
             self.process = subprocess.Popen(
-                # However the benchmark ends, its servers end with it.
+                # Its servers end with the benchmark, however that ends.
                 ["setpriv", "--pdeathsig", "TERM", *machine.pinned(processors, arguments)],
                 stdin=subprocess.PIPE, stdout=output, stderr=output,
                 env=home, start_new_session=True)  # Two-process lighttpd ends its whole process group.
         self.pid = self.process.pid
 
     def wait(self):
-        """Whether the server has come to answer."""
+        """Waits until the server accepts connections; False if it ends or takes too long."""
         for _ in range(200):
             if self.process is None or self.process.poll() is not None:
                 return False
@@ -178,7 +178,7 @@ class Server:
 
 @contextlib.contextmanager
 def running(names, build, folder, processors):
-    """The running servers by name, each with these processors; what cannot be had is left out."""
+    """The running servers by name, each on these processors; those that do not start are left out."""
     servers = {}
     try:
         for name in names:

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""The files that are served, and how a slice is run."""
+"""The served files, and how a slice is run."""
 
 import contextlib
 import json
@@ -26,7 +26,7 @@ class Bench:
         resource.setrlimit(resource.RLIMIT_NOFILE, (resource.getrlimit(resource.RLIMIT_NOFILE)[1],) * 2)
 
     def make_files(self):
-        """Makes the files once; random bytes, so that nothing is saved on holes or by compression."""
+        """Creates the files once, of random bytes, so that neither holes nor compression save anything."""
         self.folder.mkdir(parents=True, exist_ok=True)
         for name, size in SIZES.items():
             path = self.folder / name
@@ -45,14 +45,14 @@ class Bench:
         (self.folder / "hung").mkdir(exist_ok=True)
 
     def warm(self, name):
-        """Brings a file into the kernel's cache."""
+        """Reads a file into the page cache."""
         with open(self.folder / name, "rb", buffering=0) as file:
             while file.read(1 << 20):
                 pass
 
     def client(self, server, path, *options):
-        """Starts the client on its processors; before all others there, as far as that is allowed, so
-        that a client beside it does not count as the server's delay."""
+        """Starts a client on its processors. A paced one gets priority over other clients there if permitted,
+        so that they do not add to the measured latency."""
         urgent = ["nice", "-n", "-10"] if os.geteuid() == 0 and "-r" in options else []
         command = [*urgent, str(self.build / "bench/http-client"), *map(str, options), str(server.port), path]
         return subprocess.Popen(machine.pinned(machine.processors(len(server.processors))[1], command),
@@ -60,8 +60,8 @@ class Bench:
 
     @contextlib.contextmanager
     def downloads(self, server, path, clients, seconds):
-        """Clients that download a file over and over, at work when the block begins, and hang up in the end;
-        gives their process, and afterwards their result in its `result`."""
+        """Clients that download a file repeatedly, before the block begins and until its end, then disconnect.
+        Yields their process; its `result` is set at the end."""
         before = machine.processor_time(server.pid)
         process = self.client(server, path, "-a", "-c", clients, "-d", seconds)
         try:
@@ -72,9 +72,9 @@ class Bench:
             wait_until_quiet(server)
 
     def slice(self, server, path, *options, beside=None, clients=1, tries=3):
-        """One run of the client, or of so many, with what the server used for it; again where others
-        disturb it, of which the least disturbed counts. `beside`: path and number of downloads at work
-        meanwhile. An error in any run fails the measure."""
+        """One run of so many clients, with the processor time that the server used. Repeated if other programs
+        disturb it; the least disturbed run counts. `beside`: path and number of concurrent downloads. An error
+        in any run fails the measure."""
         best = None
         for _ in range(tries):
             if beside:
@@ -93,9 +93,9 @@ class Bench:
         return best
 
     def disturbance(self, result, paced):
-        """What others took, at most 1 where it does no harm. A hypervisor that takes a processor for
-        some milliseconds decides a 99th percentile. Use is counted in ticks, which fall on the waking
-        of a paced client: it seems to use up to half of its processor more than it does."""
+        """How much other programs disturbed the run; up to 1 is harmless. A hypervisor that takes a processor
+        for some milliseconds determines a 99th percentile. /proc/stat counts in ticks, which coincide with a
+        paced client's wake-ups, so that it seems to use up to half a processor more than it does."""
         if not paced:
             return result["foreign"] / self.foreign
         return max(max(0.0, result["foreign"] - 0.25) / self.foreign, result["stolen"] / self.stolen)
@@ -136,7 +136,7 @@ def wait_until(condition, seconds=30):
 
 
 def wait_until_quiet(server):
-    """Until the server has done what it has left to do."""
+    """Waits until the server has finished its remaining work."""
     used = []
 
     def is_quiet():

@@ -1,10 +1,10 @@
 # SPDX-License-Identifier: MIT
 """Usage: ping.py PROGRAM [MEASURE...]
 
-Sends the window of the running program a ping (_NET_WM_PING, Extended Window Manager Hints) every 10 ms while it
-has something to do, and prints how long the answers took, which Qt gives on the main thread: for each measure the
-99th percentile and the longest, in milliseconds, on a line of JSON. A ping that is not answered yet does not hold
-the next ones up. Beside ping.idle stands what the machine itself adds.
+Sends the window of the running program a ping (_NET_WM_PING, Extended Window Manager Hints) every 10 ms while the
+program is busy, and measures how long the replies take, which Qt sends from the main thread. Prints, for each
+measure, the 99th percentile and the maximum in milliseconds as lines of JSON. Pings do not wait for the reply to
+the previous one. ping.idle is the machine's own share.
 """
 
 import json
@@ -29,7 +29,7 @@ from driver.waiting import until  # noqa: E402
 INTERVAL = 0.01
 SHORTEST = 3.0  # seconds of each measure
 
-# Reads 100 downloads of one address to their ends, again and again.
+# Runs 100 downloads of one address, repeatedly.
 VISITORS = """
 import selectors, socket, sys
 chosen = selectors.DefaultSelector()
@@ -62,7 +62,7 @@ class Pinger:
         self.ping = self.display.get_atom("_NET_WM_PING")
 
     def times(self, busy):
-        """How long each answer took, in milliseconds, for as long as the program is busy."""
+        """Pings while the program is busy; returns how long each reply took in milliseconds, sorted."""
         sent, times, number = {}, [], 0
         start = next_one = time.monotonic()
         while sent or time.monotonic() < start + SHORTEST or busy():
@@ -93,7 +93,7 @@ def report(name, times):
 
 
 class Measures:
-    """Each starts the program, does something to it and gives what says whether it is still busy."""
+    """Each measure starts the program, makes it work and returns a function that says whether it is busy."""
 
     def __init__(self, user):
         self.user = user
@@ -111,7 +111,7 @@ class Measures:
         return lambda: False
 
     def output(self):
-        """100 MB that a refresh and an add get in place of JSON and a short message."""
+        """A refresh and an add whose commands print 100 MB instead of JSON and a short message."""
         size = 100_000_000
         self.start()
         self.user.tailscale(f"head -c {size} /dev/zero | tr '\\0' 'x' | fold -w 120; exit 1")
@@ -120,7 +120,7 @@ class Measures:
         return self.shown_busy()
 
     def documents(self):
-        """10 MB of peers, and 10 MB of shared text."""
+        """A refresh that reads 10 MB of peers and 10 MB of shared text."""
         peers = {f"nodekey:{n:064}": {"HostName": f"node-{n}", "TailscaleIPs": ["100.64.0.2"] * 50} for n in range(10_000)}
         status = conftest.STATUS | {"Peer": peers}
         handlers = {f"/{n}": {"Text": "x" * 1_000_000} for n in range(10)}
@@ -136,7 +136,7 @@ class Measures:
         return lambda: False
 
     def flushes(self):
-        """An add, while a flush to disk takes two seconds."""
+        """An add while each flush to disk takes two seconds."""
         delay = ("--inject=fsync,fdatasync:delay_enter=2000000", "--seccomp-bpf", "-f", "-qq", "-o", "/dev/null")
         self.start("strace", *delay)
         folder = self.user.folder / "to-share"
@@ -161,7 +161,7 @@ class Measures:
         time.sleep(0.5)
 
     def shown_busy(self):
-        """Until tailscale has been run and three seconds have passed without a command."""
+        """Returns a function that is true until three seconds have passed without a command."""
         last = [time.monotonic()]
 
         def busy():

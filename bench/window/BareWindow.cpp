@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The least that a window can be: an empty one of the same size.
+// The least that a window can cost: an empty one of the same size.
 
 #include "Clock.h"
 #include "NextFrame.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Brevane as its main program starts it, on a tailscale of the benchmark's.
+// Brevane as its main program starts it, with the benchmark's own tailscale.
 //
 // Usage: brevane-window TAILSCALE start|list|inside
 

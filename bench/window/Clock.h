@@ -18,13 +18,13 @@ inline double now() {
     return read(CLOCK_MONOTONIC);
 }
 
-/// Milliseconds since the driver started this program, which it says in the environment.
+/// Milliseconds since the driver started this program, the time of which is in BENCH_STARTED.
 inline double sinceExec() {
     const char* started = std::getenv("BENCH_STARTED");
     return started == nullptr ? 0 : now() - std::atof(started);
 }
 
-/// One measured value, for the driver to read.
+/// Prints one measured value for the driver.
 inline void report(const char* name, double value) {
     std::printf("%s %.4f\n", name, value);
     std::fflush(stdout);

@@ -41,7 +41,7 @@ void turnFor(double milliseconds) {
     turnUntil([&] { return ended; });
 }
 
-/// So many shares as they are read again, five of them with another target.
+/// `count` shares as a refresh returns them; each generation has new targets for five of them.
 std::vector<ServeEntry> shares(int count, int generation) {
     constexpr int changed = 5;
     std::vector<ServeEntry> entries;
@@ -79,7 +79,7 @@ double replace(QWidget& window, TailscaleService& service, int count) {
         service.entries.set(std::move(entries));
         turnUntil([&] { return frames.count > before; });
         QApplication::sendPostedEvents();
-        // The first one makes the rows.
+        // The first round creates the rows.
         if (round > 0) times.push_back(now() - start);
     }
     return median(times);
@@ -93,7 +93,7 @@ double scroll(QWidget& window) {
     constexpr int steps = 100;
     for (int step = 0; step <= steps; ++step) {
         const int before = frames.count;
-        // Processor time, all of which is this thread's, leaves out what else the machine does.
+        // This thread's processor time, which other load on the machine does not affect.
         const double start = read(CLOCK_THREAD_CPUTIME_ID);
         bar->setValue(static_cast<int>(qint64{bar->maximum()} * step / steps));
         if (step == 0) continue;

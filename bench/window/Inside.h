@@ -5,7 +5,7 @@
 
 namespace brevane::bench {
 
-/// Measures what happens in an open window and ends the application. `service` runs commands that
+/// Runs the measures of an open window, then ends the application. `service` runs commands that
 /// list fifty shares.
 void measureInside(QWidget& window, TailscaleService& service);
 

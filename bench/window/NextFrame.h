@@ -11,7 +11,7 @@
 
 namespace brevane::bench {
 
-/// Tells when a widget has been painted and the event loop is free again.
+/// Calls an action from the event loop once, after a widget's next paint.
 class NextFrame : public QObject {
 public:
     explicit NextFrame(QWidget& painted) { painted.installEventFilter(this); }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Measures the window beside a bare one of the same size, on the screen that DISPLAY names or else
-// on one of its own, and prints one JSON object on a line for each measure. The two take turns, so
-// that a machine that is busy for a while is busy for both.
+// Compares the window with a bare one of the same size, on the screen that DISPLAY names or
+// otherwise on one of its own, and prints one JSON object per measure, each on a line. The two take
+// turns, so that temporary load on the machine affects both.
 
 #include "Clock.h"
 
@@ -29,7 +29,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// Runs a program, and adds what it reports under its names.
+/// Runs a program and appends the values that it reports, by name.
 void run(const std::string& command, Values& values) {
     setenv("BENCH_STARTED", std::to_string(now()).c_str(), 1);
     std::FILE* output = popen(("exec " + command).c_str(), "r");
@@ -41,7 +41,7 @@ void run(const std::string& command, Values& values) {
     pclose(output);
 }
 
-/// A tailscale that lists so many shares and does nothing else.
+/// Creates a tailscale that lists so many shares and does nothing else; returns its path.
 std::string makeTailscale(const std::filesystem::path& folder, int shares) {
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "status")
@@ -60,7 +60,7 @@ std::string makeTailscale(const std::filesystem::path& folder, int shares) {
     return program.string();
 }
 
-/// How long both queries take by themselves.
+/// How long both queries take without Brevane, in milliseconds.
 double commandsOwnTime(const std::string& tailscale) {
     std::vector<double> times;
     for (int round = 0; round < rounds; ++round) {
