@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// http-many DIR COUNT: COUNT file servers of one folder in one process; prints their ports, one a
-// line, and runs until standard input ends.
+// http-many DIR COUNT: runs COUNT file servers for one folder in one process. Prints their ports,
+// one per line, and runs until standard input closes.
 #include "FileHTTPServer.h"
 
 #include <cstdio>

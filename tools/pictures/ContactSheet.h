@@ -8,7 +8,7 @@
 
 namespace brevane::pictures {
 
-/// Small pictures side by side, each with its name under it.
+/// Thumbnails in a grid, each with its name below.
 class ContactSheet {
 public:
     void add(const QString& name, const QImage& picture);

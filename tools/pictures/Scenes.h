@@ -16,7 +16,7 @@ struct Scene {
     std::function<void(Stage&)> enter;
 };
 
-/// Every state that the window can be in.
+/// All scenes, in the order of the contact sheet.
 [[nodiscard]] std::vector<Scene> allScenes();
 
 } // namespace brevane::pictures

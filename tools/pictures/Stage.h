@@ -12,7 +12,7 @@
 
 namespace brevane::pictures {
 
-/// Preferences that forget.
+/// Preferences that store nothing.
 class NoPreferences final : public Preferences {
 public:
     [[nodiscard]] std::expected<Dictionary, std::error_code>
@@ -24,19 +24,18 @@ public:
     }
 };
 
-/// A main window with a service whose every command just takes its time, to put into one state and
-/// take a picture of.
+/// A main window to put into one state and to render. Every command of its service only sleeps.
 class Stage {
 public:
     Stage();
     ~Stage();
 
-    /// The window with what is open above it, drawn at so many pixels to each of its own.
+    /// The window and what is open above it, rendered at this pixel ratio.
     [[nodiscard]] QImage picture(double pixelRatio);
 
-    /// Lets everything that is queued happen.
+    /// Processes the queued events.
     static void settle();
-    /// Lets everything that moves come to its end.
+    /// Processes events until every animation has ended.
     static void comeToRest();
 
     template <class Widget>

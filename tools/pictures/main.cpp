@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Takes a picture of the window in every state it can be in, light and dark, at one and two pixels
-// to each of its own, and puts them all on one contact sheet.
+// Renders the window in every scene or those named, light and dark, at pixel ratios of 1 and 2, and
+// a contact sheet of all.
 //
 // Usage: pictures FOLDER [NAME]...
 
@@ -28,7 +28,7 @@ int main(int argc, char** argv) {
     folder.mkpath(QStringLiteral("."));
     const QStringList chosen = arguments.mid(2);
 
-    // What a current desktop sets its text in.
+    // A font that a current desktop uses.
     if (QFontDatabase::families().contains(QStringLiteral("Inter")))
         QApplication::setFont(QFont(QStringLiteral("Inter"), 10));
     QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);

@@ -30,7 +30,8 @@ std::optional<std::uint16_t> portFrom(std::string_view text) {
     return port;
 }
 
-// SIGTERM is blocked for all threads and let in only here, while waiting.
+// Blocks SIGTERM for all threads; only pselect() unblocks it, while waiting. Returns the mask for
+// that.
 sigset_t blockSigterm() {
     struct sigaction noted {};
     noted.sa_handler = [](int) {};

@@ -6,10 +6,10 @@ usage() {
     cat <<'TEXT'
 Usage: build.sh --output DIR [--version VERSION]
 
-Builds tailnet, tailscale and tailscaled into DIR, and does nothing where DIR
-has them already. VERSION is that of tailscale and tailscaled, by default the
-one in go.mod. The sources come from the Go module proxy, about 80 MB, and are
-kept in Go's own caches.
+Builds tailnet, tailscale and tailscaled into DIR, unless they are there and up
+to date. VERSION is that of tailscale and tailscaled, by default the one in
+go.mod. The sources, about 80 MB, come from the Go module proxy and stay in Go's
+caches.
 TEXT
 }
 
@@ -38,7 +38,7 @@ mkdir -p "$output"
 output=$(cd "$output" && pwd)
 command -v go >/dev/null || fail "Go is missing; $(sed -n 's/^go /version /p' "$here/go.mod") or newer is needed"
 
-# Parts of Tailscale that sharing on loopback never touches; they are a quarter of its packages.
+# Parts of Tailscale that sharing on loopback does not use: a quarter of its packages.
 omitted_features() {
     for feature in appconnectors aws bird capture clientupdate cloud completion completion_scripts conn25 \
         debugportmapper desktop_sessions drive flashappliance identityfederation kube linuxdnsfight \
@@ -51,9 +51,9 @@ omitted_features() {
 build_tailscale() {
     stamp=tailscale.com/version
     set -- -trimpath -ldflags "-s -w -X $stamp.shortStamp=$version -X $stamp.longStamp=$version"
-    # Other versions know other features, and are built whole.
+    # Other versions have other features, so nothing is omitted from them.
     [ "$version" != "$pinned" ] || set -- "$@" -tags "$(omitted_features)"
-    # Before 1.62 a module is asked for by a name that has gone; its owner has it under another.
+    # Before 1.62 Tailscale requires a module under a path that is gone; its owner publishes it under another.
     case $version in
     1.[0-9].* | 1.[0-5][0-9].* | 1.6[01].*) build_with_peercred_replaced "$@" ;;
     *) GOBIN=$output go install "$@" "tailscale.com/cmd/tailscale@v$version" "tailscale.com/cmd/tailscaled@v$version" ;;
@@ -83,7 +83,7 @@ fi
 
 if [ ! -x "$output/tailnet" ] || [ -n "$(find "$here" -newer "$output/tailnet" ! -name '*_test.go' -type f)" ]; then
     echo "Building tailnet (about one minute the first time) ..." >&2
-    # Where nothing but a time has changed, Go leaves the program as it is.
+    # Go does not rewrite an unchanged program, so its time is updated here.
     (cd "$here" && go build -trimpath -ldflags '-s -w' -o "$output/tailnet" .)
     touch "$output/tailnet"
 fi

@@ -12,8 +12,8 @@ import (
 const dialUsage = `Usage: tailnet dial --dir DIR --from NODE [--funnel] HOST:PORT
 
 Connects to a TCP port of the tailnet as NODE would, or with --funnel as a
-visitor from the internet. Standard input goes there, its end too, and what
-comes back goes to standard output, until the other side has closed.`
+visitor from the internet. Sends standard input, including its end, and copies
+the reply to standard output until the other side closes.`
 
 func dial(arguments []string) error {
 	o := newOptions("dial", dialUsage)

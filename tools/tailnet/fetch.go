@@ -14,8 +14,8 @@ const fetchUsage = `Usage: tailnet fetch --dir DIR --from NODE [--funnel] [--hea
 
 Requests an http or https URL as NODE would, or with --funnel as a visitor from
 the internet, and prints one line of JSON: status, headers, number of bytes,
-their SHA-256, and the body where it is text of at most 64 KiB. Redirects are
-not followed. Every answer is a success, whatever its status.`
+their SHA-256, and the body if it is text of at most 64 KiB. Redirects are not
+followed. Every HTTP response counts as success, whatever its status.`
 
 func fetch(arguments []string) error {
 	o := newOptions("fetch", fetchUsage)
@@ -43,7 +43,7 @@ func fetch(arguments []string) error {
 	return json.NewEncoder(os.Stdout).Encode(answer)
 }
 
-// dialerOptions adds the options that say from where one connects.
+// dialerOptions adds the options that select where the connection comes from.
 func dialerOptions(o *options) func() (reach.Dialer, error) {
 	dir := o.require("dir", "folder of the running tailnet")
 	from := o.require("from", "node that connects")

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Command tailnet runs a real tailnet on loopback, and visits what its nodes
-// share. See README.md.
+// Command tailnet runs a real tailnet on loopback and visits its nodes' shares.
+// See README.md.
 package main
 
 import (
@@ -25,10 +25,10 @@ Usage:
 failure and 2 for a wrong command line.
 `
 
-// errUsage is a wrong command line that has been explained already.
+// errUsage is a wrong command line for which a message has been printed.
 var errUsage = errors.New("usage")
 
-// exitStatus is the failure of the command that "run" was given.
+// exitStatus is the failure of the command that "run" has run.
 type exitStatus int
 
 func (s exitStatus) Error() string { return fmt.Sprintf("exit status %d", int(s)) }
@@ -53,7 +53,7 @@ func main() {
 	os.Exit(report(command(os.Args[2:]), os.Stderr))
 }
 
-// report explains a failure and gives the exit status for it.
+// report prints a failure's message and returns its exit status.
 func report(err error, to io.Writer) int {
 	var status exitStatus
 	switch {

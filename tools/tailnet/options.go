@@ -15,7 +15,7 @@ type options struct {
 	required []string
 }
 
-// newOptions takes the command's name and, for --help, how it is used.
+// newOptions takes the command's name and its usage text for --help.
 func newOptions(name, synopsis string) *options {
 	o := &options{FlagSet: flag.NewFlagSet(name, flag.ContinueOnError)}
 	o.SetOutput(os.Stderr)
@@ -26,13 +26,14 @@ func newOptions(name, synopsis string) *options {
 	return o
 }
 
-// require makes an option that has no default.
+// require adds an option that must be given.
 func (o *options) require(name, what string) *string {
 	o.required = append(o.required, name)
 	return o.String(name, "", what+" (required)")
 }
 
-// parse fails with errUsage, or flag.ErrHelp, once it has said why.
+// parse returns errUsage after printing what is wrong, or flag.ErrHelp after
+// printing the usage.
 func (o *options) parse(arguments []string) error {
 	for _, a := range arguments {
 		if a == "--" {
@@ -56,7 +57,7 @@ func (o *options) parse(arguments []string) error {
 	return nil
 }
 
-// wrong explains what is wrong with the command line.
+// wrong prints what is wrong with the command line and returns errUsage.
 func (o *options) wrong(format string, arguments ...any) error {
 	fmt.Fprintf(o.Output(), "tailnet %s: %s; see tailnet %[1]s --help\n", o.Name(), fmt.Sprintf(format, arguments...))
 	return errUsage

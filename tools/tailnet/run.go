@@ -17,15 +17,15 @@ const runUsage = `Usage: tailnet run --bin DIR --dir DIR [--nodes NAME,...] [--u
 
 Starts a tailnet and, once all nodes have joined it, prints one line of JSON:
 for each node its name, address, command-line wrapper (DIR/NODE/tailscale),
-SOCKS5 proxy, process and log, and for all of them the file that holds the
-certificate authority. The same line stands in DIR/tailnet.json. The tailnet
-ends with SIGINT, SIGTERM or SIGHUP.
+SOCKS5 proxy, process and log, and for all of them the file of the certificate
+authority. DIR/tailnet.json contains the same line. The tailnet runs until
+SIGINT, SIGTERM or SIGHUP.
 
 With a COMMAND the line is not printed; the command runs once the tailnet is
-ready, and the tailnet ends with it and with its exit status.
+ready. The tailnet ends with it, and exits with its status.
 
-Every run is a new tailnet: what an earlier one left in DIR is replaced. Two
-runs cannot share a DIR, and a DIR that holds other things is refused.`
+Every run is a new tailnet and replaces what an earlier one left in DIR. Two
+runs cannot share a DIR, and a DIR with other files is refused.`
 
 func run(arguments []string) error {
 	o := newOptions("run", runUsage)
@@ -79,8 +79,8 @@ func run(arguments []string) error {
 	}
 }
 
-// nodeNames splits the list and refuses what is no host name (RFC 1123,
-// section 2.1), since names become folders too.
+// nodeNames splits the list and refuses names that are not host names (RFC 1123,
+// section 2.1), since they are also names of folders.
 func nodeNames(list string) ([]string, error) {
 	names := strings.Split(list, ",")
 	seen := map[string]bool{}
@@ -98,7 +98,7 @@ func nodeNames(list string) ([]string, error) {
 	return names, nil
 }
 
-// findBinaries gives the absolute path of a folder that has both programs.
+// findBinaries returns the absolute path of dir, which must have both programs.
 func findBinaries(dir string) (string, error) {
 	dir, err := filepath.Abs(dir)
 	if err != nil {

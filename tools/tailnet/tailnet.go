@@ -19,10 +19,10 @@ import (
 	"tailnet/internal/place"
 )
 
-// tailnet is everything that one "run" has started.
+// tailnet owns everything that one "run" has started.
 type tailnet struct {
 	record place.Record
-	lost   chan string // names of nodes whose daemon ended by itself
+	lost   chan string // names of nodes whose daemon has ended
 
 	place   *place.Place
 	control *control.Control
@@ -31,7 +31,7 @@ type tailnet struct {
 	names   []string
 }
 
-// startTailnet starts the servers and the daemons, which join later.
+// startTailnet starts the servers and the daemons; join makes the nodes join.
 func startTailnet(dir, binaries string, names []string) (*tailnet, error) {
 	claimed, err := place.Claim(dir)
 	if err != nil {
@@ -95,7 +95,7 @@ func (t *tailnet) startNode(name, binaries string, signer *authority.Authority) 
 	return nil
 }
 
-// errInterrupted ends a run that was told to stop before it was ready.
+// errInterrupted ends a run that got a signal before it was ready.
 var errInterrupted = errors.New("interrupted before the tailnet was ready")
 
 // join brings all nodes into the tailnet and publishes the record.
@@ -128,7 +128,8 @@ func (t *tailnet) lossOf(name string) error {
 	return fmt.Errorf("tailscaled of %s ended by itself; see %s", name, filepath.Join(t.place.Dir, name, "tailscaled.log"))
 }
 
-// serveCommand runs the user's command, which ends the tailnet with it.
+// serveCommand runs the user's command and returns its failure. It fails too if
+// a daemon ends before the command.
 func (t *tailnet) serveCommand(command []string, ended <-chan os.Signal) error {
 	cmd := exec.Command(command[0], command[1:]...)
 	cmd.Stdin, cmd.Stdout, cmd.Stderr = os.Stdin, os.Stdout, os.Stderr
@@ -142,7 +143,7 @@ func (t *tailnet) serveCommand(command []string, ended <-chan os.Signal) error {
 		case err := <-done:
 			return commandStatus(err)
 		case sig := <-ended:
-			// An interrupt from the terminal has reached the command too.
+			// The terminal sends an interrupt to the command itself.
 			if sig != syscall.SIGINT {
 				cmd.Process.Signal(sig)
 			}
@@ -154,7 +155,8 @@ func (t *tailnet) serveCommand(command []string, ended <-chan os.Signal) error {
 	}
 }
 
-// commandStatus follows the shell: 128 and the number of a fatal signal.
+// commandStatus returns the exit status as a shell does: 128 plus the number of
+// a fatal signal.
 func commandStatus(err error) error {
 	var exit *exec.ExitError
 	if !errors.As(err, &exit) {
@@ -166,9 +168,9 @@ func commandStatus(err error) error {
 	return exitStatus(exit.ExitCode())
 }
 
-// stop ends what was started, the nodes before their servers.
+// stop ends what was started, the nodes before the servers.
 func (t *tailnet) stop() {
-	signal.Ignore(syscall.SIGINT, syscall.SIGTERM, syscall.SIGHUP) // Ending takes a moment; let it.
+	signal.Ignore(syscall.SIGINT, syscall.SIGTERM, syscall.SIGHUP) // They must not interrupt the clean-up.
 	var stopping sync.WaitGroup
 	for _, n := range t.nodes {
 		stopping.Go(n.Stop)

@@ -16,7 +16,7 @@ import (
 	"time"
 )
 
-// Authority is a certificate authority that lives as long as one tailnet.
+// Authority is the certificate authority of one tailnet.
 type Authority struct {
 	PEM []byte // its certificate, for clients to trust
 
@@ -24,7 +24,7 @@ type Authority struct {
 	key         *ecdsa.PrivateKey
 }
 
-// New makes an authority with a fresh key.
+// New creates an authority with a new key.
 func New() (*Authority, error) {
 	key, err := ecdsa.GenerateKey(elliptic.P256(), rand.Reader)
 	if err != nil {
@@ -46,8 +46,8 @@ func New() (*Authority, error) {
 	return &Authority{encode("CERTIFICATE", der), certificate, key}, nil
 }
 
-// Seed puts a certificate for host where tailscaled keeps those it obtained:
-// STATE/certs/HOST.crt and HOST.key. The daemon uses it as it stands for the
+// Seed writes a certificate for host where tailscaled stores those it obtained:
+// STATE/certs/HOST.crt and HOST.key. The daemon uses it without renewal for the
 // first two thirds of its lifetime.
 func (a *Authority) Seed(state, host string) error {
 	key, err := ecdsa.GenerateKey(elliptic.P256(), rand.Reader)

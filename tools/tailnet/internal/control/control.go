@@ -16,13 +16,13 @@ import (
 	"tailscale.com/types/logger"
 )
 
-// Domain is the MagicDNS suffix of every tailnet made here.
+// Domain is the MagicDNS suffix of every tailnet started here.
 const Domain = "tail-scale.ts.net"
 
 // Control is a running control server with its relay.
 type Control struct {
 	URL  string // for "tailscale up --login-server="
-	Trap *Trap  // proxy that refuses what nodes would send outside
+	Trap *Trap  // proxy that refuses requests to outside addresses
 
 	server  *testcontrol.Server
 	closers []func()
@@ -31,8 +31,7 @@ type Control struct {
 	seen map[key.NodePublic]bool
 }
 
-// Start starts everything on free ports of 127.0.0.1. The servers' own log
-// lines go to logf.
+// Start starts everything on free ports of 127.0.0.1. The servers log to logf.
 func Start(logf logger.Logf) (*Control, error) {
 	c := &Control{seen: map[key.NodePublic]bool{}}
 	relays, err := c.startRelay(logf)
@@ -73,8 +72,8 @@ func (c *Control) Close() {
 	c.closers = nil
 }
 
-// admit runs before each map request is answered. A node that asks for the
-// first time gets what an administrator would switch on.
+// admit runs before each map request is answered. On its first request, a node
+// gets the capabilities that an administrator would enable.
 func (c *Control) admit(r *tailcfg.MapRequest) func() {
 	c.mu.Lock()
 	first := !c.seen[r.NodeKey]
@@ -85,8 +84,8 @@ func (c *Control) admit(r *tailcfg.MapRequest) func() {
 	}
 	c.server.SetNodeCapMap(r.NodeKey, capabilities())
 	if node := c.server.Node(r.NodeKey); node != nil {
-		// Where nodes before 1.80 look for their peers' home relay; the server sets
-		// only what later ones read.
+		// Nodes before 1.80 read their peers' home relay from this field; the server
+		// sets only the one that later nodes read.
 		node.LegacyDERPString = fmt.Sprintf("%s:%d", tailcfg.DerpMagicIP, region)
 		c.server.UpdateNode(node)
 	}

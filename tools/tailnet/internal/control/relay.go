@@ -18,11 +18,11 @@ import (
 
 const (
 	loopback = "127.0.0.1"
-	region   = 1 // The relay's, and every node's home.
+	region   = 1 // The relay's region, and every node's home.
 )
 
-// startRelay starts a DERP relay and a STUN server, and returns the map that
-// names them as the tailnet's only region.
+// startRelay starts a DERP relay and a STUN server, and returns the map with
+// them as the tailnet's only region.
 func (c *Control) startRelay(logf logger.Logf) (*tailcfg.DERPMap, error) {
 	udp, err := net.ListenUDP("udp4", &net.UDPAddr{IP: net.ParseIP(loopback)})
 	if err != nil {
@@ -33,7 +33,7 @@ func (c *Control) startRelay(logf logger.Logf) (*tailcfg.DERPMap, error) {
 	derp := derpserver.New(key.NewNode(), logf)
 	hs := httptest.NewUnstartedServer(derpserver.Handler(derp))
 	hs.Config.ErrorLog = logger.StdLogger(logf)
-	// The relay takes connections over, which HTTP/2 does not allow.
+	// The relay hijacks connections, which HTTP/2 does not support.
 	hs.Config.TLSNextProto = map[string]func(*http.Server, *tls.Conn, http.Handler){}
 	hs.StartTLS()
 	c.closers = append(c.closers, func() {

@@ -10,9 +10,8 @@ import (
 	"sync"
 )
 
-// Trap is an HTTP proxy that refuses everything and remembers what it was
-// asked for. Nodes have it as their proxy, so that a request to the outside
-// world shows up here instead of leaving the machine.
+// Trap is an HTTP proxy that refuses and records every request. Nodes use it as
+// their proxy, so that requests to outside addresses do not leave the machine.
 type Trap struct {
 	URL string
 
@@ -28,8 +27,8 @@ func startTrap() *Trap {
 	return t
 }
 
-// ServeHTTP refuses a request. One for the trap itself, whose URL stands in for
-// outside addresses that can be configured, would not have gone anywhere.
+// ServeHTTP refuses a request. It does not record one for the trap itself, whose
+// URL replaces outside addresses that can be configured.
 func (t *Trap) ServeHTTP(w http.ResponseWriter, r *http.Request) {
 	if !strings.HasPrefix(r.RequestURI, "/") {
 		t.mu.Lock()

@@ -6,8 +6,8 @@ package node
 
 import "syscall"
 
-// Only Linux ends a child with its parent; elsewhere a killed tailnet leaves
-// its daemons to the user.
+// Only Linux ends a child with its parent; elsewhere the daemons of a killed
+// tailnet keep running.
 func childAttributes() *syscall.SysProcAttr {
 	return &syscall.SysProcAttr{Setpgid: true}
 }

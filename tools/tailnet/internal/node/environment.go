@@ -8,7 +8,8 @@ import (
 	"strings"
 )
 
-// environment is the daemon's: ours, less what could change its behaviour.
+// environment returns the daemon's environment: ours without variables that
+// could change its behaviour.
 func environment(o Options) []string {
 	var env []string
 	for _, entry := range os.Environ() {
@@ -23,22 +24,22 @@ func environment(o Options) []string {
 		"TS_PANIC_IF_HIT_MAIN_CONTROL=1",
 		"TS_DISABLE_PORTMAPPER=1",
 		"TS_NETCHECK_GENERATE_204_URL="+o.Login+"/generate_204",
-		// With nothing but loopback the daemon would take the network for down.
+		// With only loopback, the daemon would consider the network down.
 		"TS_ASSUME_NETWORK_UP_FOR_TEST=1",
 		"HTTP_PROXY="+o.Trap,
 		"HTTPS_PROXY="+o.Trap,
 		"NO_PROXY=127.0.0.1,localhost",
 		// The daemon uses a stored certificate only if it trusts its authority,
 		"SSL_CERT_FILE="+o.CA,
-		// on macOS and since 1.82 also if its ACME directory is not Let's Encrypt's.
+		// and on macOS and from 1.82 on only if its ACME directory is not Let's Encrypt's.
 		"TS_DEBUG_ACME_DIRECTORY_URL="+o.Trap+"/acme-directory",
-		// Since 1.82 this keeps it from asking that directory for new ones.
+		// From 1.82 on this keeps it from requesting new ones there.
 		"TS_CERT_SHARE_MODE=ro",
 	)
 }
 
-// writeWrapper writes a script that stands for the tailscale command of one
-// node. It replaces itself, so a signal to it is one to the command.
+// writeWrapper writes a script that runs the tailscale command of one node. It
+// replaces itself by exec, so that signals reach the command.
 func writeWrapper(path, command, socket string) error {
 	command, err := filepath.Abs(command)
 	if err != nil {

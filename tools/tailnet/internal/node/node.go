@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Package node runs tailscaled processes that need neither root nor a network.
+// Package node runs tailscaled processes without root or a network.
 package node
 
 import (
@@ -13,15 +13,15 @@ import (
 	"time"
 )
 
-// Options say how a node is run.
+// Options of a node.
 type Options struct {
 	Name   string // host name
 	Dir    string // its own folder; gets the state, the log and the wrapper
 	Socket string // where its daemon listens for the command line
 	Bin    string // folder of tailscale and tailscaled
 	Login  string // URL of the control server
-	CA     string // file of the authority that its certificates are from
-	Trap   string // proxy for whatever would go outside
+	CA     string // certificate file of the authority that signed its certificates
+	Trap   string // URL of the proxy for requests to outside addresses
 }
 
 // Node is one running daemon.
@@ -29,7 +29,7 @@ type Node struct {
 	CLI    string // wrapper that runs the tailscale command on this node
 	SOCKS5 string // address of its proxy into the tailnet
 	Log    string
-	Status Status // as of the end of Join
+	Status Status // when Join returned
 
 	options Options
 	process *process
@@ -38,8 +38,8 @@ type Node struct {
 // State is the folder of the daemon's state under a node's own folder.
 func State(dir string) string { return filepath.Join(dir, "state") }
 
-// Start starts the daemon. Its folder must exist; its state may be seeded.
-// The daemon ends with this process, however that ends.
+// Start starts the daemon. Its folder must exist; its state may be seeded. On
+// Linux the daemon ends with this process, however that ends.
 func Start(o Options) (*Node, error) {
 	n := &Node{CLI: filepath.Join(o.Dir, "tailscale"), Log: filepath.Join(o.Dir, "tailscaled.log"), options: o}
 	if err := writeWrapper(n.CLI, filepath.Join(o.Bin, "tailscale"), o.Socket); err != nil {
@@ -72,7 +72,7 @@ func (n *Node) Done() <-chan struct{} { return n.process.done }
 // PID is the daemon's process.
 func (n *Node) PID() int { return n.process.pid }
 
-// Stop ends the daemon.
+// Stop ends the daemon with SIGTERM, or with SIGKILL after three seconds.
 func (n *Node) Stop() {
 	n.process.signal(syscall.SIGTERM)
 	select {
@@ -116,8 +116,8 @@ func (n *Node) findProxy() bool {
 	return n.SOCKS5 != ""
 }
 
-// await polls: the daemon announces none of what is waited for in a way that
-// every version shares.
+// await polls, since no version-independent notification exists for any of the
+// conditions. It fails if the daemon ends, or after a minute.
 func (n *Node) await(what string, ready func() bool) error {
 	const patience = 60 * time.Second
 	for deadline := time.Now().Add(patience); !ready(); {

@@ -8,8 +8,8 @@ import (
 	"syscall"
 )
 
-// process is a child that ends with this process, in a process group of its
-// own: the terminal's interrupt goes to us, and we end it in order.
+// process is a child in its own process group: an interrupt from the terminal
+// reaches only us, and we end the child in order.
 type process struct {
 	pid  int
 	done chan struct{}
@@ -19,7 +19,7 @@ func launch(cmd *exec.Cmd) (*process, error) {
 	p := &process{done: make(chan struct{})}
 	started := make(chan error)
 	go func() {
-		// Linux ends the child with the thread that started it.
+		// Pdeathsig kills the child when the thread that started it ends.
 		runtime.LockOSThread()
 		defer runtime.UnlockOSThread()
 		cmd.SysProcAttr = childAttributes()
@@ -36,7 +36,7 @@ func launch(cmd *exec.Cmd) (*process, error) {
 	return p, <-started
 }
 
-// signal does nothing once the process has been waited for.
+// signal sends a signal; it does nothing once the process has been waited for.
 func (p *process) signal(sig syscall.Signal) {
 	select {
 	case <-p.done:

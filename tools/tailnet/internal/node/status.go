@@ -12,7 +12,7 @@ import (
 	"time"
 )
 
-// Status is what is of use in "tailscale status --json".
+// Status holds the members of "tailscale status --json" that are used here.
 type Status struct {
 	Version      string
 	BackendState string
@@ -39,8 +39,8 @@ func ReadStatus(cli string) (Status, error) {
 func (n *Node) readStatus() (Status, error)        { return ReadStatus(n.CLI) }
 func (n *Node) run(args ...string) ([]byte, error) { return run(n.CLI, args...) }
 
-// run gives what the command wrote to its standard output; where it failed,
-// the error has both streams.
+// run returns the command's standard output; if it fails, the error contains
+// both streams.
 func run(cli string, args ...string) ([]byte, error) {
 	ctx, cancel := context.WithTimeout(context.Background(), time.Minute)
 	defer cancel()

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Package place is the folder of one tailnet: who may use it, what an earlier
-// tailnet left in it, and the record by which other programs find the nodes.
+// Package place manages the folder of one tailnet: its lock, what an earlier
+// tailnet left in it, and the record from which other programs find the nodes.
 package place
 
 import (
@@ -27,11 +27,11 @@ type Place struct {
 	Dir string // absolute
 
 	lock    *os.File
-	sockets string // folder of the sockets where Dir is too long, else ""
+	sockets string // folder of the sockets if Dir is too long, otherwise ""
 }
 
-// Claim makes dir if needed and takes it for this process. It fails where
-// another tailnet runs on it, and where it holds things that no tailnet made.
+// Claim creates dir if needed and locks it for this process. It fails if another
+// tailnet runs on it, or if it contains files that are not a tailnet's.
 func Claim(dir string) (*Place, error) {
 	dir, err := filepath.Abs(dir)
 	if err != nil {
@@ -62,7 +62,7 @@ func Claim(dir string) (*Place, error) {
 	return p, nil
 }
 
-// refuseForeign protects a folder named by mistake: node folders are emptied.
+// refuseForeign protects a folder named by mistake, since NodeDir deletes.
 func refuseForeign(dir string) error {
 	entries, err := os.ReadDir(dir)
 	if err != nil || len(entries) == 0 {
@@ -74,7 +74,7 @@ func refuseForeign(dir string) error {
 	return nil
 }
 
-// Release withdraws the record and lets others claim the folder. Logs stay.
+// Release deletes the record and unlocks the folder. Logs stay.
 func (p *Place) Release() {
 	os.Remove(recordPath(p.Dir))
 	if p.sockets != "" {
@@ -83,8 +83,8 @@ func (p *Place) Release() {
 	p.lock.Close()
 }
 
-// NodeDir makes the folder of a node, without what an earlier tailnet left in
-// it: the control server's keys are new, so old identities are of no use.
+// NodeDir creates the folder of a node, deleting what an earlier tailnet left
+// there: the control server's keys are new, so old identities are useless.
 func (p *Place) NodeDir(name string) (string, error) {
 	dir := filepath.Join(p.Dir, name)
 	if err := os.RemoveAll(dir); err != nil {
@@ -93,8 +93,8 @@ func (p *Place) NodeDir(name string) (string, error) {
 	return dir, os.Mkdir(dir, 0o755)
 }
 
-// Socket is a path for a node's socket: in its folder, or in a short one under
-// the temporary folder where that would be longer than a socket's path may be.
+// Socket returns a path for a node's socket: in its folder, or, if that exceeds
+// the limit of a socket's path, in a short one under the temporary folder.
 func (p *Place) Socket(name string) (string, error) {
 	socket := filepath.Join(p.Dir, name, "tailscaled.sock")
 	if len(socket) <= socketLimit {
@@ -106,7 +106,7 @@ func (p *Place) Socket(name string) (string, error) {
 		return "", fmt.Errorf("no path for the socket of %s fits in %d bytes: %s is too long, and so is %s", name, socketLimit, p.Dir, os.TempDir())
 	}
 	if p.sockets == "" {
-		if err := os.RemoveAll(short); err != nil { // Of an earlier run that was killed.
+		if err := os.RemoveAll(short); err != nil { // Left by an earlier run that was killed.
 			return "", err
 		}
 		if err := os.Mkdir(short, 0o700); err != nil {

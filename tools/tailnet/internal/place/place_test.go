@@ -57,7 +57,7 @@ func TestClaimWithdrawsTheRecordOfAKilledRun(t *testing.T) {
 	if err := p.Publish(Record{}); err != nil {
 		t.Fatal(err)
 	}
-	p.lock.Close() // What the system does for a killed process.
+	p.lock.Close() // As the system does for a killed process.
 	claim(t, dir)
 	if _, err := Find(dir); err == nil {
 		t.Error("found a tailnet that does not run")

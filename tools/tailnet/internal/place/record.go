@@ -12,7 +12,7 @@ import (
 	"strings"
 )
 
-// Node is what others need to know of a running node.
+// Node describes a running node to other programs.
 type Node struct {
 	Name   string `json:"name"`
 	FQDN   string `json:"fqdn"`
@@ -23,7 +23,7 @@ type Node struct {
 	Log    string `json:"log"`
 }
 
-// Record is what others need to know of a running tailnet.
+// Record describes a running tailnet to other programs.
 type Record struct {
 	PID     int             `json:"pid"`
 	Version string          `json:"version"` // of the nodes
@@ -34,7 +34,7 @@ type Record struct {
 
 func recordPath(dir string) string { return filepath.Join(dir, "tailnet.json") }
 
-// Publish writes the record where Find looks for it.
+// Publish writes the record that Find reads.
 func (p *Place) Publish(r Record) error {
 	text, err := json.Marshal(r)
 	if err != nil {
@@ -63,7 +63,7 @@ func Find(dir string) (Record, error) {
 	return r, nil
 }
 
-// Node gives the node of that name.
+// Node returns the node of that name.
 func (r Record) Node(name string) (Node, error) {
 	if n, ok := r.Nodes[name]; ok {
 		return n, nil
@@ -71,7 +71,7 @@ func (r Record) Node(name string) (Node, error) {
 	return Node{}, fmt.Errorf("the tailnet has no node %q", name)
 }
 
-// Owner gives the node whose full name host is.
+// Owner returns the node whose full name is host.
 func (r Record) Owner(host string) (Node, error) {
 	for _, n := range r.Nodes {
 		if strings.EqualFold(n.FQDN, host) {

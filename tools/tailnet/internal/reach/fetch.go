@@ -17,10 +17,10 @@ import (
 	"unicode/utf8"
 )
 
-// textLimit is the size up to which an answer's body is given as text.
+// textLimit is the size up to which an answer includes the body as text.
 const textLimit = 64 << 10
 
-// Answer is what a share sent back.
+// Answer is a share's response.
 type Answer struct {
 	URL     string      `json:"url"`
 	Status  int         `json:"status"`
@@ -28,11 +28,11 @@ type Answer struct {
 	Headers http.Header `json:"headers"`
 	Bytes   int64       `json:"bytes"`
 	SHA256  string      `json:"sha256"`
-	Body    *string     `json:"body,omitempty"` // absent where long or not UTF-8
+	Body    *string     `json:"body,omitempty"` // absent if long or not UTF-8
 }
 
-// Fetch makes one request through the dialer, following no redirect. The body
-// also goes to the file output, where that is not empty.
+// Fetch makes one request through the dialer and follows no redirect. It also
+// writes the body to the file output, unless that is empty.
 func Fetch(d Dialer, method, url, output string) (*Answer, error) {
 	roots, err := os.ReadFile(d.Record.CA)
 	if err != nil {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Package reach connects to shares the way their visitors do: as another
-// device of the tailnet, or from the internet through Funnel.
+// Package reach connects to shares as their visitors do: from another device of
+// the tailnet, or from the internet through Funnel.
 package reach
 
 import (
@@ -31,7 +31,7 @@ const Visitor = "203.0.113.9:4444"
 type Dialer struct {
 	Record place.Record
 	From   place.Node
-	Funnel bool // as the relay of Funnel
+	Funnel bool // connect as Funnel's relay
 }
 
 // Dial connects to HOST:PORT of the tailnet.
@@ -62,7 +62,7 @@ func (d Dialer) dialNode(ctx context.Context, address string) (net.Conn, error) 
 	return conn, err
 }
 
-// dialFunnel asks the target's peer API to take a connection from outside.
+// dialFunnel asks the target's peer API to accept a connection from outside.
 func (d Dialer) dialFunnel(ctx context.Context, target place.Node, address string) (net.Conn, error) {
 	status, err := node.ReadStatus(target.CLI)
 	if err != nil {
@@ -91,7 +91,7 @@ func (d Dialer) dialFunnel(ctx context.Context, target place.Node, address strin
 	return through, nil
 }
 
-// askIngress makes the request by which Funnel's relay hands a connection on.
+// askIngress sends the request with which Funnel's relay forwards a connection.
 func askIngress(conn net.Conn, api, address string) (net.Conn, error) {
 	fmt.Fprintf(conn, "POST /v0/ingress HTTP/1.1\r\nHost: %s\r\nTailscale-Ingress-Src: %s\r\nTailscale-Ingress-Target: %s\r\n\r\n", api, Visitor, address)
 	in := bufio.NewReader(conn)
@@ -114,7 +114,7 @@ type buffered struct {
 
 func (b *buffered) Read(p []byte) (int, error) { return b.in.Read(p) }
 
-// CloseWrite tells the other side that nothing more will be sent.
+// CloseWrite closes the writing side, if the connection supports that.
 func (b *buffered) CloseWrite() error {
 	if half, ok := b.Conn.(interface{ CloseWrite() error }); ok {
 		return half.CloseWrite()
