@@ -15,7 +15,7 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   add_compile_options(-Wthread-safety)
 endif()
-# Functions of libraries that nothing calls take up memory too.
+# One section per function, so that the linker can drop library functions that are never called.
 add_compile_options(-ffunction-sections -fdata-sections)
 if(APPLE)
   add_link_options(-Wl,-dead_strip)
@@ -30,7 +30,7 @@ endif()
 if(BREVANE_WERROR)
   add_compile_options(-Werror)
 endif()
-# Whether the standard library is another one than that which the distribution's libraries are built for.
+# Whether the standard library differs from that of the distribution's libraries.
 if(CMAKE_CXX_FLAGS MATCHES "-stdlib=libc\\+\\+")
   set(BREVANE_OTHER_LIBRARY ON)
 endif()
@@ -38,12 +38,12 @@ if(BREVANE_SANITIZE)
   add_compile_options(-fsanitize=${BREVANE_SANITIZE} -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${BREVANE_SANITIZE})
   if(BREVANE_SANITIZE MATCHES "undefined")
-    # The check of dynamic types probes memory through a pipe, and so takes every object for a wrong
-    # one in a test that has used up the descriptors.
+    # The vptr check probes memory through a pipe, and so reports every object in a test that has used
+    # up the descriptors.
     add_compile_options(-fno-sanitize-recover=undefined -fno-sanitize=vptr)
   endif()
   if(BREVANE_SANITIZE MATCHES "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # Asio has fences, which ThreadSanitizer does not follow; its mutexes order the same things.
+    # Asio uses fences, which ThreadSanitizer does not support; its mutexes order the same accesses.
     add_compile_options(-Wno-tsan)
   endif()
 endif()

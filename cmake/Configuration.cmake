@@ -1,4 +1,4 @@
-# What Brevane is compiled against on the user's machine. The program has no settings at run time.
+# The paths on the user's machine that are compiled in. The program has no settings at run time.
 
 if(APPLE)
   set(default_tailscale_bin /Applications/Tailscale.app/Contents/MacOS/tailscale)
@@ -9,10 +9,10 @@ set(BREVANE_TAILSCALE_BIN ${default_tailscale_bin} CACHE STRING "Path of the tai
 set(BREVANE_SHELL /bin/zsh CACHE STRING "Login shell that runs every command line")
 set(BREVANE_SEARCH_PATH /usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin:/usr/sbin:/sbin
     CACHE STRING "PATH of every command")
-# On macOS the user defaults, and so the remembered shares, go by this name.
+# On macOS the user defaults, and with them the record of shares, have this name.
 set(BREVANE_BUNDLE_IDENTIFIER com.brevane.brevane CACHE STRING "Identifier of the application bundle")
 
-# The executable stands unquoted in a command line, so the shell must take it for one plain word.
+# Command lines contain the path unquoted, so the shell must read it as one literal word.
 string(REGEX REPLACE "[A-Za-z0-9_./+,:@%-]" "" unsafe "${BREVANE_TAILSCALE_BIN}")
 if(NOT unsafe STREQUAL "")
   message(FATAL_ERROR

@@ -1,9 +1,9 @@
 """Usage: bench-results.py LINES RESULTS
 
-Prints the figures of LINES (a JSON object per line) as tables: measures with others, and apart from them those
-whose peer is Brevane itself. Puts them into RESULTS (a JSON list of objects), in place of all that is there under
-their names. Where a measure has been run more than once, each figure is the middle one of all runs, and members
-that end in _range hold the least and the greatest.
+Prints the figures of LINES (a JSON object per line) as tables: comparisons with other programs, and separately
+those with Brevane itself. Replaces the figures of the same names in RESULTS (a JSON list of objects). If a measure
+has been run more than once, each figure is the median of all runs, and members that end in _range hold the minimum
+and the maximum.
 """
 
 import json
@@ -16,8 +16,8 @@ COLUMNS = (*MEMBERS, "wanted", "")
 
 
 def figures(lines):
-    """The runs of each figure, by name and peer, and the reasons of measures that failed, by name. A measure that
-    failed once has no figures."""
+    """The runs of each figure by name and peer, and the reasons of failed measures by name. A measure that failed
+    in any run has no figures."""
     runs, failed = {}, {}
     for line in lines.splitlines():
         if not line.strip():
@@ -29,19 +29,19 @@ def figures(lines):
         missing = [member for member in MEMBERS if member not in figure]
         if missing:
             sys.exit(f"script/bench: a figure lacks {', '.join(missing)}: {line}")
-        # The fastest peer need not be the same one in each run.
+        # The best peer may differ from run to run.
         key = figure["name"], figure["peer"] if "wanted" not in figure else None
         runs.setdefault(key, []).append(figure)
     return {key: run for key, run in runs.items() if not any(is_of(key[0], name) for name in failed)}, failed
 
 
 def is_of(name, measure):
-    """Whether a figure is of a measure: the named comparison, or one with a single peer."""
+    """Whether a figure belongs to a measure: the comparison that counts, or one with a single peer."""
     return name == measure or name.startswith(f"{measure}.")
 
 
 def merged(runs):
-    """One figure of several runs."""
+    """One figure, merged from several runs."""
     figure = dict(runs[-1])
     if len(runs) > 1:
         figure["peer"] = " or ".join(sorted({run["peer"] for run in runs if run["peer"]})) or None
@@ -74,7 +74,7 @@ def text(figure, member):
 
 
 def table(rows):
-    """Markdown, so that it can be published as it is."""
+    """A Markdown table, which can be published unchanged."""
     rows = [COLUMNS] + [tuple(text(row, member) for member in COLUMNS) for row in rows]
     widths = [max(len(row[column]) for row in rows) for column in range(len(COLUMNS))]
     rows.insert(1, tuple("-" * width for width in widths))

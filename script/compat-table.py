@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Usage: script/compat-table.py PAGE FOLDER...
 
-Writes the table of a page anew from the test reports of versions, each in the folder named after it.
+Rewrites the table of a page from test reports. Each folder is named after a version and has its report.
 """
 
 import sys
@@ -15,7 +15,7 @@ BY_MODULE = {"web_shares": 0, "files": 1, "tcp": 2, "restart": 6, "failures": 7}
 
 
 def column(case):
-    """The column of a test: what it is about."""
+    """The index of a test's column."""
     name = case.get("name")
     if "funnel" in name.lower():
         return 3
@@ -25,7 +25,7 @@ def column(case):
 
 
 def outcome(cases):
-    """A cell: whether all passed, and whether some of them found what only this version does."""
+    """The text of a cell: whether all tests passed, and whether this version behaves differently."""
     failed = [case for case in cases if case.find("failure") is not None or case.find("error") is not None]
     if failed:
         return f"{len(failed)} of {len(cases)} fail"

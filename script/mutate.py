@@ -1,4 +1,4 @@
-"""Tries random changes of the sources on the tests; see script/mutate, which calls this."""
+"""Runs the tests on random changes of the sources; see script/mutate, which calls this."""
 
 import hashlib
 import pathlib
@@ -22,13 +22,13 @@ def builds():
 
 
 def tests_pass():
-    # A change that hangs a test is noticed by the time limit.
+    # The time limit catches changes that make a test hang.
     return succeeds("ctest", "--test-dir", str(build), "--label-regex", "^(unit|wire)$", "--stop-on-failure",
                     "--timeout", "60", "-j", "4")
 
 
 def mutants_of(source):
-    """The changed texts of one source file, each differing from it in one line."""
+    """Variants of one source file, each of which differs from it in one line."""
     text = source.read_text()
     with tempfile.TemporaryDirectory() as folder:
         subprocess.run((sys.executable, "-m", "universalmutator.genmutants", str(source), "cpp", "--noCheck",
@@ -38,13 +38,13 @@ def mutants_of(source):
 
 
 def code_lines(text):
-    """The lines without comments and includes, where a change means nothing to the tests."""
+    """The lines without comments and includes, changes of which the tests cannot notice."""
     lines = (line.split("//")[0].rstrip() for line in text.splitlines())
     return [line for line in lines if line and not line.startswith("#include")]
 
 
 def object_code(source):
-    """A digest of what the source compiles to, leaving out what debuggers read."""
+    """A digest of the source's object code without debug information."""
     objects = list(build.glob(f"src/{source.parent.name}/CMakeFiles/*.dir/{source.name}.o"))
     assert len(objects) == 1, source
     with tempfile.NamedTemporaryFile() as stripped:
@@ -53,7 +53,7 @@ def object_code(source):
 
 
 def difference(before, after):
-    """The changed line, before and after."""
+    """The changed line before and after the change."""
     for number, (old, new) in enumerate(zip(before.splitlines(), after.splitlines()), 1):
         if old != new:
             return f"{number}: {old.strip()}  ->  {new.strip()}"

@@ -1,8 +1,8 @@
 """Usage: soak-crowd.py PORT PID FOLDER CLIENT
 
-Crowds of clients of the file server on PORT, process PID, that serves FOLDER: 300 downloads beside small requests,
-heads of 8 MB from clients that do not read, and 200 clients that ask for 1 GB and hang up. Fails where others notice;
-CLIENT is bench/http-client.
+Crowds of clients for the file server on PORT, with process PID, that serves FOLDER: 300 downloads during small
+requests, heads of 8 MB from clients that do not read, and 200 clients that request 1 GB and disconnect. Fails if
+other clients are affected. CLIENT is bench/http-client.
 """
 
 import json
@@ -52,7 +52,7 @@ def asked(client, port, *options):
 
 
 def beside_downloads(port, client):
-    """The 99th percentile of small requests, in milliseconds, beside 300 downloads of 10 MB."""
+    """Whether the 99th percentile of small requests stays below 500 ms during 300 downloads of 10 MB."""
     downloads = subprocess.Popen([client, "-a", "-c", "300", "-d", "7", str(port), "/large.bin"], stdout=subprocess.PIPE)
     time.sleep(1)
     p99 = asked(client, port, "-c", "512", "-r", "300", "-d", "5")
@@ -62,7 +62,7 @@ def beside_downloads(port, client):
 
 
 def long_heads(port, pid):
-    """30 heads of 8 MB, whose clients do not read."""
+    """Whether the server holds less than 4 MiB for each of 30 heads of 8 MB whose clients do not read."""
     before = resident(pid)
     head = request("large.bin", b"X: " + b"x" * (8 * MEBIBYTE) + b"\r\n")
     clients = [connected(port, head, 4096) for _ in range(30)]
@@ -76,7 +76,7 @@ def long_heads(port, pid):
 
 
 def hung_up(port, folder):
-    """200 clients that ask for 1 GB each, of files of their own, and hang up at once."""
+    """Whether downloads stay fast after 200 clients have each requested another file of 1 GB and disconnected."""
     names = [f"gigabyte-{number}.bin" for number in range(200)]
     try:
         for name in names:

@@ -1,7 +1,7 @@
 """Usage: soak-raw.py PORT SOAK
 
-Sends the raw requests of gunicorn's tests, below SOAK, to the file server on PORT and to nginx. Fails
-where the server's answer is not what its rules say; lists where the two differ.
+Sends the raw requests of gunicorn's tests, below SOAK, to the file server on PORT and to nginx. Fails if
+a status of the server is not the one that its rules require; lists the requests for which the two differ.
 """
 
 import pathlib
@@ -28,7 +28,7 @@ def bytes_of(path):
 
 
 def answer(port, data):
-    """The status of the first response; "closed" where there is none."""
+    """The status of the first response; "closed" if there is none."""
     with socket.create_connection(("127.0.0.1", port), 10) as connection:
         connection.settimeout(10)
         received = b""
@@ -43,7 +43,7 @@ def answer(port, data):
 
 
 def rule(data):
-    """What the server's own rules say about a request; nothing that is asked for exists but "/"."""
+    """The status that the server's rules require for a request. Of the requested paths, only "/" exists."""
     if b"\r\n\r\n" not in data:
         return "closed"
     words = data.split(b"\r\n")[0].split(b" ")

@@ -1,5 +1,5 @@
-# Compiles and links for macOS 13 on Apple silicon on another system, with zig, out of what
-# script/check-macos lays out in build/macos. On a Mac Brevane is built with Apple's compiler, without this file.
+# Cross-compiles for macOS 13 on Apple silicon with zig, from the headers and frameworks that
+# script/check-macos puts into build/macos. On a Mac, Apple's compiler builds Brevane, without this file.
 
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_VERSION 22.0) # Darwin 22 is macOS 13.
@@ -7,7 +7,7 @@ set(CMAKE_SYSTEM_PROCESSOR arm64)
 
 cmake_path(SET macos_parts NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../build/macos)
 
-# CMake wants one file for each tool.
+# CMake needs an executable per tool.
 foreach(tool c++ ar ranlib)
   set(options "")
   if(tool STREQUAL "c++")
@@ -26,18 +26,18 @@ set(CMAKE_RANLIB ${macos_parts}/wrappers/ranlib CACHE FILEPATH "" FORCE)
 set(CMAKE_CXX_COMPILER_AR ${CMAKE_AR} CACHE FILEPATH "" FORCE)
 set(CMAKE_CXX_COMPILER_RANLIB ${CMAKE_RANLIB} CACHE FILEPATH "" FORCE)
 
-# zig comes with a static libc++ and so turns off what libc++'s headers know of the releases of macOS. With it
-# on again, using what the libc++ of macOS 13.0 lacks does not compile.
+# zig brings a static libc++ and therefore disables the availability annotations in libc++'s headers. Enabled
+# again, they make it an error to use what the libc++ of macOS 13.0 lacks.
 set(CMAKE_CXX_FLAGS_INIT "-U_LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS -Werror=unguarded-availability-new -F${CMAKE_CURRENT_LIST_DIR}/frameworks")
-# Nothing but the system's own libc++, by the symbols that are known to be in it.
+# Links only the system's libc++, by a list of the symbols in it.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ ${CMAKE_CURRENT_LIST_DIR}/libc++.tbd")
 
-# There is no SDK, and no need to say for which processor.
+# There is no SDK, and the target option selects the processor.
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "" FORCE)
 set(CMAKE_OSX_ARCHITECTURES "" CACHE STRING "" FORCE)
 set(CMAKE_INSTALL_NAME_TOOL true CACHE FILEPATH "" FORCE)
 
-# Packages: by the stand-ins beside this file, nothing of the system.
+# Find packages only by the stand-ins beside this file, never the system's.
 set(Qt6_DIR ${CMAKE_CURRENT_LIST_DIR}/Qt6)
 set(Boost_DIR ${CMAKE_CURRENT_LIST_DIR}/Boost)
 set(CMAKE_FIND_ROOT_PATH ${macos_parts}/none)
@@ -45,5 +45,5 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-# zig keeps what it compiled by itself.
+# zig has its own cache.
 set(CCACHE OFF)

@@ -1,4 +1,4 @@
-# Boost for the build with toolchain.cmake: its headers, as script/check-macos lays them out in build/macos.
+# Boost for builds with toolchain.cmake: the headers that script/check-macos puts into build/macos.
 
 cmake_path(SET include NORMALIZE ${CMAKE_CURRENT_LIST_DIR}/../../../build/macos/include)
 add_library(Boost::headers INTERFACE IMPORTED)

@@ -1,5 +1,5 @@
-# Qt for the build with toolchain.cmake: headers and frameworks as script/check-macos lays them out in
-# build/macos, moc, rcc and Qt's own CMake functions from the Qt of the machine that builds.
+# Qt for builds with toolchain.cmake: headers and frameworks that script/check-macos puts into
+# build/macos; moc, rcc and Qt's CMake functions of the building machine's Qt.
 
 function(query_qt name result)
   execute_process(COMMAND qmake6 -query ${name} OUTPUT_VARIABLE answer OUTPUT_STRIP_TRAILING_WHITESPACE
