@@ -5,8 +5,8 @@
 
 namespace brevane::bench {
 
-/// The status of a node in a tailnet with so many peers, formatted as by `tailscale status --json`:
-/// about 1 kB per peer.
+/// The status of a node in a tailnet with this many peers, formatted as by
+/// `tailscale status --json`: about 1 kB per peer.
 [[nodiscard]] std::string statusDocument(int peers);
 
 } // namespace brevane::bench

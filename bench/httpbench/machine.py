@@ -11,8 +11,8 @@ TICKS = os.sysconf("SC_CLK_TCK")
 
 
 def processors(servers=1):
-    """The processors for a server that gets so many, and those for its clients: the others, or all if there
-    are no others."""
+    """This many processors for a server, and those for its clients: the others, or all if there are no
+    others."""
     allowed = sorted(os.sched_getaffinity(0))
     return allowed[-servers:], allowed[:-servers] or allowed
 

@@ -211,7 +211,7 @@ class Share:
 
 @contextlib.contextmanager
 def several(bench, count):
-    """So many of our servers in one process, all for the same folder."""
+    """`count` servers of ours in one process, all for the same folder."""
     command = [str(bench.build / "bench/http-many"), str(bench.folder), str(count)]
     process = subprocess.Popen(machine.pinned(machine.processors()[0], command),
                                stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
@@ -241,8 +241,8 @@ def hung_folder(bench):
 
 @contextlib.contextmanager
 def stuck(port, questions, count):
-    """So many requests for the hanging folder. The server may pass on fewer to the file system, but must
-    pass on at least one within a second."""
+    """`count` requests for the hanging folder. The server may pass on fewer to the file system, but must
+    pass on at least one of them within a second."""
     with contextlib.ExitStack() as open_connections:
         asked = 0
         for number in range(count):

@@ -103,7 +103,7 @@ def program(name, build):
 
 
 def command(name, port, folder, build, workers):
-    """The command that starts the server, with so many workers if it has any; None if there is no program."""
+    """The command that starts the server, with `workers` workers if it has any; None if there is no program."""
     run = build / "peers/run"
     run.mkdir(parents=True, exist_ok=True)
     if name == "brevane":

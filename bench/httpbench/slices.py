@@ -72,7 +72,7 @@ class Bench:
             wait_until_quiet(server)
 
     def slice(self, server, path, *options, beside=None, clients=1, tries=3):
-        """One run of so many clients, with the processor time that the server used. Repeated if other programs
+        """One run of `clients` clients, with the processor time that the server used. Repeated if other programs
         disturb it; the least disturbed run counts. `beside`: path and number of concurrent downloads. An error
         in any run fails the measure."""
         best = None

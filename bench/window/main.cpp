@@ -41,7 +41,7 @@ void run(const std::string& command, Values& values) {
     pclose(output);
 }
 
-/// Creates a tailscale that lists so many shares and does nothing else; returns its path.
+/// Creates a tailscale that only lists this many shares; returns its path.
 std::string makeTailscale(const std::filesystem::path& folder, int shares) {
     std::filesystem::create_directories(folder);
     std::ofstream(folder / "status")

@@ -13,7 +13,7 @@ namespace brevane {
 /// The URL of an entry, without the default port and the root path.
 [[nodiscard]] std::string displayURL(const ServeEntry& entry);
 
-/// What our own file server behind this entry serves; none if the entry is not for one of ours.
+/// What our file server behind this entry serves; none if the entry does not proxy to one.
 [[nodiscard]] std::optional<ManagedServerInfo> managedInfo(const ServeEntry& entry,
                                                            const ManagedServers::InfoMap& servers);
 

@@ -41,7 +41,7 @@ class Window:
         return self.frame.await_one(text, "label")
 
     def await_announcement(self, message):
-        """Waits until a message, such as a toast, has been shown, even if it is gone already."""
+        """Waits until a message, such as a toast, has been shown, even if it is hidden again."""
         until(f"the message {message!r}", lambda: self.announcements.take(self.application.pid, message))
 
     # The form

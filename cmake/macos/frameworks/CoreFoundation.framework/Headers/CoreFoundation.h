@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-// The part of Core Foundation that src/ and tests/ use, declared after Apple's developer
-// documentation for where Apple's own headers are not to be had.
+// The part of Core Foundation that src/ and tests/ use, declared from Apple's developer
+// documentation, for builds without Apple's headers.
 
 #include <MacTypes.h>
 
