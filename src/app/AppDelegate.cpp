@@ -28,7 +28,7 @@ namespace {
 
 constexpr auto firstFramePatience = std::chrono::milliseconds(100);
 
-/// Closing it requests to quit, before anything that may block.
+/// Closing it requests the program's end, before anything that may block.
 class MainWindow : public QMainWindow {
 public:
     explicit MainWindow(std::function<void()> quit) : quit_(std::move(quit)) {}

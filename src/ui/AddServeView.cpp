@@ -104,8 +104,8 @@ void AddServeView::giveWay(bool on) {
 void AddServeView::pickPath() {
     const bool forFolder = draft_.sourceType == SourceType::directory;
     if (filePanel_ == nullptr) {
-        // Never deleted on close: its message boxes and menus are its children, live on the stack
-        // and run nested event loops, so deleting it would destroy them too.
+        // Not deleted on close: its message boxes and menus run nested event loops, are on the
+        // stack and are its children, so deleting it would free them.
         filePanel_ = new QFileDialog(this);
         // Creates and renames nothing, not even folders.
         filePanel_->setOption(QFileDialog::ReadOnly);

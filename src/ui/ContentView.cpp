@@ -131,8 +131,8 @@ void ContentView::showToast(const QString& message) {
     toast_->showToast(message);
 }
 
-// As the window narrows, first the list shrinks to its wanted width, then the form to its least
-// one, then the list again.
+// As the window narrows, first the list shrinks to `leftWanted_`, then the form to its minimum,
+// then the list again.
 void ContentView::shareWidth() {
     const int both = width() - split_->handleWidth();
     // Larger text needs a wider form.
