@@ -13,12 +13,14 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
+#include <QLayout>
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QPainter>
 #include <QPixmap>
 #include <QSvgRenderer>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -34,6 +36,12 @@ public:
     explicit MainWindow(std::function<void()> quit) : quit_(std::move(quit)) {}
 
 protected:
+    // Long texts make the window wider than its usual minimum.
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::LayoutRequest)
+            setMinimumSize(std::max(640, layout()->minimumSize().width()), 500);
+        return QMainWindow::event(event);
+    }
     void closeEvent(QCloseEvent* event) override {
         quit_();
         QMainWindow::closeEvent(event);

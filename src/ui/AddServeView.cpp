@@ -37,6 +37,22 @@ namespace brevane {
 
 namespace {
 
+// As wide as its content needs to be, since it scrolls only up and down.
+class FormScrollArea : public QScrollArea {
+public:
+    [[nodiscard]] QSize minimumSizeHint() const override {
+        const auto* bar = verticalScrollBar();
+        return {widget()->minimumSizeHint().width() + (bar->isVisible() ? bar->width() : 0),
+                QScrollArea::minimumSizeHint().height()};
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == widget() && event->type() == QEvent::LayoutRequest) updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
+    }
+};
+
 QLineEdit* makeField() {
     auto* field = new QLineEdit;
     field->setFont(theme().font(TextStyle::field));
@@ -321,7 +337,7 @@ void AddServeView::layOut() {
         form->addWidget(section);
     form->addStretch();
 
-    scroll_ = new QScrollArea;
+    scroll_ = new FormScrollArea;
     scroll_->setWidgetResizable(true);
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

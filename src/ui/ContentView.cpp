@@ -75,7 +75,6 @@ ContentView::~ContentView() = default;
 
 QWidget* ContentView::makeLeftPane() {
     auto* pane = new Surface(&Colors::pane);
-    pane->setMinimumWidth(leftMinimum);
     statusHeader_ = new StatusHeader;
     connect(statusHeader_, &StatusHeader::refreshRequested, this, [this] { service_.refresh(); });
     auto* bar = new SectionBar;
@@ -102,8 +101,6 @@ QWidget* ContentView::makeLeftPane() {
 
 QWidget* ContentView::makeRightPane() {
     auto* pane = new Surface(&Colors::window);
-    pane->setMinimumWidth(rightMinimum);
-    pane->setMaximumWidth(rightMaximum);
     modeHeader_ = new ModeHeader;
     form_ = new AddServeView(service_, [this](const QString& message) { showToast(message); });
     connect(modeHeader_, &ModeHeader::modeChanged, form_, &AddServeView::setMode);
@@ -134,10 +131,17 @@ void ContentView::showToast(const QString& message) {
 // As the window narrows, first the list shrinks to `leftWanted_`, then the form to its minimum,
 // then the list again.
 void ContentView::shareWidth() {
+    // Long texts make a pane wider than it otherwise would be.
+    QWidget* const left = split_->widget(0);
+    QWidget* const form = split_->widget(1);
+    left->setMinimumWidth(std::max(leftMinimum, left->minimumSizeHint().width()));
+    const int needed = form->minimumSizeHint().width();
+    form->setMinimumWidth(std::max(rightMinimum, needed));
+    form->setMaximumWidth(std::max(rightMaximum, needed));
     const int both = width() - split_->handleWidth();
     // Larger text needs a wider form.
-    const int least = std::min(rightWanted_, theme().scaled(rightMinimum));
-    const int right = std::clamp(both - leftWanted_, least, rightWanted_);
+    const int least = std::max(needed, std::min(rightWanted_, theme().scaled(rightMinimum)));
+    const int right = std::clamp(both - leftWanted_, least, std::max(least, rightWanted_));
     split_->setSizes({both - right, right});
 }
 
@@ -162,10 +166,9 @@ bool ContentView::focusNextPrevChild(bool next) {
 bool ContentView::event(QEvent* event) {
     switch (event->type()) {
     case QEvent::Resize:
-        shareWidth();
-        [[fallthrough]];
     case QEvent::Show:
     case QEvent::LayoutRequest:
+        shareWidth();
         matchHeaderHeights();
         break;
     default:

@@ -8,6 +8,7 @@ FormSection::FormSection(const QString& title, QWidget* parent)
       column_(new QVBoxLayout(this)) {
     column_->setContentsMargins(0, 0, 0, 0);
     column_->setSpacing(6);
+    label_->setWordWrap(true);
     column_->addWidget(label_);
     setTitle(title);
 }

@@ -18,7 +18,6 @@ ModeHeader::ModeHeader(QWidget* parent)
     for (const ServeMode mode : allServeModes)
         labels << toQString(rawValue(mode));
     auto* picker = new SegmentedControl(labels);
-    picker->setFixedWidth(200);
     setAccessibleRole(*picker, QAccessible::Grouping);
     picker->setAccessibleName(tr("Mode"));
     connect(picker, &SegmentedControl::currentIndexChanged, this,

@@ -3,6 +3,7 @@
 
 #include "Label.h"
 #include "SectionHeader.h"
+#include "SelectableText.h"
 #include "ShareAddress.h"
 #include "Spinner.h"
 #include "SymbolView.h"
@@ -220,6 +221,9 @@ protected:
                     needed.setHeight(label->fontMetrics().height());
                 EXPECT_LE(needed.height(), label->height()) << label->text().toStdString();
                 EXPECT_LE(needed.width(), label->width()) << label->text().toStdString();
+            } else if (const auto* selectable = qobject_cast<SelectableText*>(widget)) {
+                EXPECT_GE(selectable->height(), selectable->heightForWidth(selectable->width()))
+                    << name;
             } else if (const auto* push = qobject_cast<QAbstractButton*>(widget)) {
                 EXPECT_LE(push->sizeHint().height(), push->height()) << name;
                 EXPECT_LE(push->fontMetrics().horizontalAdvance(push->text()), push->width())
@@ -479,6 +483,9 @@ protected:
 TEST_P(LongTextsTest, AreWholeInTheWindow) {
     lengthenTexts(*view);
     settle();
+    view->resize(view->minimumSizeHint().expandedTo(view->size()));
+    settle();
+    EXPECT_LT(view->width(), 900);
     expectNothingClipped();
 }
 

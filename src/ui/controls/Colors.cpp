@@ -14,6 +14,7 @@ Colors withHighContrast(Colors colors, bool isDark) {
         colors.*ink = isDark ? (colors.*ink).lighter(125) : (colors.*ink).darker(145);
     for (const auto fill : {&Colors::blueFill, &Colors::orangeFill, &Colors::redFill})
         colors.*fill = (colors.*fill).darker(145);
+    if (isDark) colors.segment = colors.segment.darker(145);
     return colors;
 }
 

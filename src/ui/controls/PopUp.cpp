@@ -22,6 +22,7 @@ void PopUp::showPopup() {
     QPalette palette = view()->palette();
     palette.setColor(QPalette::Window, theme().color(&Colors::popup));
     view()->setPalette(palette);
+    view()->setMinimumWidth(view()->sizeHintForColumn(0));
     QComboBox::showPopup();
 }
 

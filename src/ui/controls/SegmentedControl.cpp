@@ -90,8 +90,12 @@ void SegmentedControl::slideTo(int index) {
 }
 
 QSize SegmentedControl::sizeHint() const {
-    constexpr int height = 28;
-    return {200, std::max(theme().scaled(height), QWidget::sizeHint().height())};
+    QSize segment;
+    for (const auto* button : segments_.buttons())
+        segment = segment.expandedTo(button->sizeHint());
+    const auto count = static_cast<int>(segments_.buttons().size());
+    return {std::max(200, count * segment.width() + 2 * inset),
+            std::max(theme().scaled(28), segment.height() + 2 * inset)};
 }
 
 void SegmentedControl::paintEvent(QPaintEvent*) {

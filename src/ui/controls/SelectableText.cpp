@@ -131,8 +131,9 @@ int SelectableText::heightForWidth(int width) const {
 }
 
 QSize SelectableText::sizeHint() const {
-    const int usual = std::max(width(), theme().scaled(200));
-    return {usual, heightForWidth(usual)};
+    // Until a layout has set it, the width means nothing.
+    const int wide = testAttribute(Qt::WA_Resized) ? width() : theme().scaled(200);
+    return {wide, heightForWidth(wide)};
 }
 
 QSize SelectableText::minimumSizeHint() const {

@@ -11,6 +11,7 @@
 #include "Theme.h"
 
 #include <QAbstractButton>
+#include <QComboBox>
 #include <QMenu>
 #include <QPainter>
 #include <QScrollBar>
@@ -182,6 +183,7 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
         result.setHeight(std::max(theme().scaled(28), lineHeight() + 10));
         break;
     case CT_PushButton:
+        result.rwidth() += 16;
         result =
             result.expandedTo({theme().scaled(84), std::max(theme().scaled(30), lineHeight() + 8)});
         break;
@@ -191,7 +193,11 @@ QSize Style::sizeFromContents(ContentsType type, const QStyleOption* option, con
     case CT_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option)) {
             const bool separator = item->menuItemType == QStyleOptionMenuItem::Separator;
-            result = {result.width() + 20, separator ? 9 : std::max(24, lineHeight() + 8)};
+            // A pop-up button passes the width of the list as that of the text.
+            const int wide = qobject_cast<const QComboBox*>(widget)
+                                 ? item->fontMetrics.horizontalAdvance(item->text) + 40
+                                 : result.width() + 20;
+            result = {wide, separator ? 9 : std::max(24, lineHeight() + 8)};
         }
         break;
     default:
