@@ -347,6 +347,34 @@ TEST_F(LookTest, TextReachesAContrastOfSevenIfTheDesktopWantsHighContrast) {
     }
 }
 
+TEST_F(LookTest, TheDesktopsAccentColourMarksWhatIsSelectedAndStaysLegible) {
+    open({800, 900});
+    const auto isChecked = [&](const QColor& color) {
+        auto* box = find<QCheckBox>("Run in background");
+        return isNear(box->grab().toImage().pixel(3, box->height() / 2 - 4), color.rgb());
+    };
+    for (const bool dark : {false, true})
+        for (const bool hasHighContrast : {false, true})
+            for (const QColor& accent :
+                 {QColor(Qt::yellow), QColor(Qt::black), QColor(Qt::white), QColor(0x91, 0x41, 0xac)}) {
+                const_cast<Theme&>(theme()).setLook(
+                    {.isDark = dark, .hasHighContrast = hasHighContrast, .accent = accent});
+                settle();
+                const Colors& colors = theme().colors();
+                EXPECT_TRUE(isChecked(colors.accentFill));
+                EXPECT_GE(contrast(colors.onFill.rgb(), colors.accentFill.rgb()),
+                          hasHighContrast ? 7 : 4.5);
+                EXPECT_GE(contrast(colors.focus.rgb(), colors.window.rgb()), 3);
+                EXPECT_EQ(view->palette().color(QPalette::Highlight), colors.accentFill);
+            }
+    const_cast<Theme&>(theme()).setLook({.accent = {0x91, 0x41, 0xac}});
+    settle();
+    EXPECT_TRUE(isChecked({0x91, 0x41, 0xac}));
+    auto* start = button("Start Serve");
+    EXPECT_TRUE(isNear(start->grab().toImage().pixel(10, start->height() / 2),
+                       Colors::light().blueFill.rgb()));
+}
+
 TEST_F(LookTest, TheProgressIndicatorStandsIfTheDesktopWantsNoAnimations) {
     open({800, 614});
     service->isLoading.set(true);

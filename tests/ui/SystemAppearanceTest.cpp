@@ -17,6 +17,22 @@
 
 namespace brevane::test {
 
+struct AccentColor {
+    double red = 0, green = 0, blue = 0;
+};
+static QDBusArgument& operator<<(QDBusArgument& argument, const AccentColor& color) {
+    argument.beginStructure();
+    argument << color.red << color.green << color.blue;
+    argument.endStructure();
+    return argument;
+}
+static const QDBusArgument& operator>>(const QDBusArgument& argument, AccentColor& color) {
+    argument.beginStructure();
+    argument >> color.red >> color.green >> color.blue;
+    argument.endStructure();
+    return argument;
+}
+
 constexpr auto appearanceGroup = "org.freedesktop.appearance";
 constexpr auto gnomeGroup = "org.gnome.desktop.interface";
 
@@ -44,6 +60,7 @@ class SystemAppearanceTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         qDBusRegisterMetaType<QMap<QString, QVariantMap>>();
+        qDBusRegisterMetaType<AccentColor>();
         daemon = new QProcess;
         daemon->start("dbus-daemon", {"--session", "--nofork", "--print-address"});
         ASSERT_TRUE(daemon->waitForReadyRead());
@@ -109,6 +126,24 @@ TEST_F(SystemAppearanceTest, FollowsContrastAndAnimationsToo) {
     EXPECT_TRUE(appearance.look().hasHighContrast);
     change(appearanceGroup, "contrast", 0U);
     ASSERT_TRUE(until([&] { return !appearance.look().hasHighContrast; }));
+}
+
+TEST_F(SystemAppearanceTest, FollowsTheAccentColour) {
+    const auto accent = [](double red, double green, double blue) {
+        return QVariant::fromValue(AccentColor{red, green, blue});
+    };
+    portal.settings = {{appearanceGroup, {{"accent-color", accent(0.2, 0.6, 0)}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    ASSERT_TRUE(until([&] { return appearance.look().accent == QColor::fromRgb(51, 153, 0); }));
+    change(appearanceGroup, "accent-color", accent(1, 0, 0));
+    ASSERT_TRUE(until([&] { return appearance.look().accent == QColor(Qt::red); }));
+    change(appearanceGroup, "accent-color", accent(-1, -1, -1));
+    ASSERT_TRUE(until([&] { return !appearance.look().accent.isValid(); }));
+    change(appearanceGroup, "accent-color", accent(1, 0, 0));
+    ASSERT_TRUE(until([&] { return appearance.look().accent.isValid(); }));
+    change(appearanceGroup, "accent-color", "red");
+    ASSERT_TRUE(until([&] { return !appearance.look().accent.isValid(); }));
 }
 
 TEST_F(SystemAppearanceTest, IsTheUsualOneWithoutAPortal) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Look.h"
+
 #include <QColor>
 
 namespace brevane {
@@ -29,6 +31,7 @@ struct Colors {
     QColor orangeFill; ///< buttons with `onFill` text
     QColor redFill;    ///< buttons with `onFill` text
     QColor onFill;     ///< text on a filled button
+    QColor accentFill; ///< selected items and controls, with `onFill` text
     QColor focus;      ///< ring around the focused control
     QColor field;      ///< background of text fields
     QColor button;     ///< background of plain buttons
@@ -36,9 +39,12 @@ struct Colors {
     QColor track;      ///< background of the segmented control
     QColor segment;    ///< its selected segment
 
-    /// With high contrast all text reaches 7:1 (1.4.6), and edges and dividers 3:1.
-    [[nodiscard]] static const Colors& light(bool hasHighContrast = false);
-    [[nodiscard]] static const Colors& dark(bool hasHighContrast = false);
+    [[nodiscard]] static const Colors& light();
+    [[nodiscard]] static const Colors& dark();
+
+    /// The colours for a desktop's look. With high contrast all text reaches 7:1 (1.4.6), and edges
+    /// and dividers 3:1. An accent colour is lightened or darkened as far as legibility needs.
+    [[nodiscard]] static Colors of(const Look& look);
 
     /// The colour with its alpha multiplied by `opacity`.
     [[nodiscard]] static QColor thinned(QColor color, double opacity);

@@ -22,8 +22,8 @@ void drawTextField(QPainter& painter, const QStyleOption& option) {
 void drawCheckMark(QPainter& painter, const QStyleOption& option) {
     const Colors& c = theme().colors();
     const bool on = option.state & QStyle::State_On;
-    drawRoundedBox(painter, option.rect, 4, on ? c.blueFill : c.button,
-                   on ? c.blueFill : c.outline);
+    drawRoundedBox(painter, option.rect, 4, on ? c.accentFill : c.button,
+                   on ? c.accentFill : c.outline);
     if (on)
         drawSymbol(painter, option.rect, QStringLiteral("checkmark"), c.onFill,
                    option.rect.width() * 4 / 5);
@@ -39,7 +39,7 @@ void drawPopUpButton(QPainter& painter, const QStyleOptionComplex& option) {
     const QRect arrows =
         QStyle::visualRect(option.direction, box,
                            {box.right() - side - 4, box.center().y() - side / 2 + 1, side, side});
-    drawRoundedBox(painter, arrows, 5, c.blueFill);
+    drawRoundedBox(painter, arrows, 5, c.accentFill);
     drawSymbol(painter, arrows, QStringLiteral("chevron.up.chevron.down"), c.onFill, 14);
     if ((option.state & QStyle::State_HasFocus) &&
         (option.state & QStyle::State_KeyboardFocusChange))

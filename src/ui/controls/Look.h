@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QColor>
+
 namespace brevane {
 
 /// What a desktop's settings ask of every window.
@@ -8,6 +10,7 @@ struct Look {
     bool isDark = false;
     bool hasHighContrast = false;
     bool isAnimated = true; ///< false stops movement that only decorates
+    QColor accent{};        ///< of selected and focused controls; invalid for Brevane's own blue
 
     friend bool operator==(const Look&, const Look&) = default;
 };

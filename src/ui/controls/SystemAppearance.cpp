@@ -8,6 +8,7 @@
 #include <QtGlobal>
 
 #ifndef __APPLE__
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -56,6 +57,22 @@ constexpr auto gnome = "org.gnome.desktop.interface";
 // A running portal replies within a few milliseconds; waiting for that keeps the first frame from
 // flashing in the wrong scheme.
 constexpr int firstAnswerWithinMs = 50;
+
+// Three numbers from 0 to 1 (sRGB); others mean that there is none.
+QColor accentColor(const QVariant& value) {
+    double red = -1;
+    double green = -1;
+    double blue = -1;
+    const auto parts = value.value<QDBusArgument>();
+    if (parts.currentSignature() != QStringLiteral("(ddd)")) return {};
+    parts.beginStructure();
+    parts >> red >> green >> blue;
+    parts.endStructure();
+    const auto isPart = [](double part) { return part >= 0 && part <= 1; };
+    if (!isPart(red) || !isPart(green) || !isPart(blue)) return {};
+    return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
+                            static_cast<float>(blue));
+}
 
 QDBusMessage readSettings(bool mayStartPortal) {
     auto read = QDBusMessage::createMethodCall(portal, portalPath, portalSettings, "ReadAll");
@@ -124,6 +141,8 @@ void SystemAppearance::take(const Settings& settings) {
     });
     read(appearance, "contrast",
          [&](const QVariant& contrast) { look.hasHighContrast = contrast.toUInt() == 1; });
+    read(appearance, "accent-color",
+         [&](const QVariant& color) { look.accent = accentColor(color); });
     read(gnome, "enable-animations",
          [&](const QVariant& enabled) { look.isAnimated = enabled.toBool(); });
     setLook(look);

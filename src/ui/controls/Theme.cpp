@@ -64,6 +64,7 @@ Theme::Theme(Scheme scheme) : look_{.isDark = scheme == Scheme::dark} {
         connect(appearance_, &SystemAppearance::changed, this,
                 [this] { setLook(appearance_->look()); });
     }
+    colors_ = Colors::of(look_);
     QApplication::setStyle(new Style);
     QApplication::setPalette(palette());
     qApp->installEventFilter(this);
@@ -114,11 +115,6 @@ void Theme::awaitDesktop() const {
     if (appearance_ != nullptr) appearance_->awaitFirstAnswer();
 }
 
-const Colors& Theme::colors() const {
-    return look_.isDark ? Colors::dark(look_.hasHighContrast)
-                        : Colors::light(look_.hasHighContrast);
-}
-
 void Theme::setDark(bool isDark) {
     Look look = look_;
     look.isDark = isDark;
@@ -128,6 +124,7 @@ void Theme::setDark(bool isDark) {
 void Theme::setLook(const Look& look) {
     if (look_ == look) return;
     look_ = look;
+    colors_ = Colors::of(look_);
     // Sends every widget a palette change, on which it repaints.
     QApplication::setPalette(palette());
     Q_EMIT changed();
@@ -171,7 +168,7 @@ QPalette Theme::palette() const {
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, c.secondary);
     palette.setColor(QPalette::PlaceholderText, c.secondary);
-    palette.setColor(QPalette::Highlight, c.blueFill);
+    palette.setColor(QPalette::Highlight, c.accentFill);
     palette.setColor(QPalette::HighlightedText, c.onFill);
     palette.setColor(QPalette::Link, c.blue);
     return palette;

@@ -59,8 +59,8 @@ public:
     [[nodiscard]] bool isDark() const { return look_.isDark; }
     [[nodiscard]] bool hasHighContrast() const { return look_.hasHighContrast; }
     [[nodiscard]] bool isAnimated() const { return look_.isAnimated; }
-    [[nodiscard]] const Colors& colors() const;
-    [[nodiscard]] QColor color(ColorRole role) const { return colors().*role; }
+    [[nodiscard]] const Colors& colors() const { return colors_; }
+    [[nodiscard]] QColor color(ColorRole role) const { return colors_.*role; }
 
     /// The desktop's font in a style's weight and size, scaled by the desktop's font size.
     [[nodiscard]] QFont font(TextStyle style) const;
@@ -101,6 +101,7 @@ private:
 
     SystemAppearance* appearance_ = nullptr;
     Look look_;
+    Colors colors_;
     bool mnemonics_ = false;
 };
 
