@@ -184,7 +184,8 @@ void AddServeView::redraw() {
     errorRow_->setAccessibleName(errorMsg_);
     errorText_->setShownText(errorMsg_);
 
-    startButton_->setText(isAdding_ ? tr("Starting…") : toQString(startLabel(draft_.mode)));
+    startButton_->setText(isAdding_ ? QStringLiteral("Starting…")
+                                    : toQString(startLabel(draft_.mode)));
     startButton_->setSymbol(isFunnel ? QStringLiteral("globe") : QStringLiteral("lock.shield"));
     startButton_->setTint(isFunnel ? &Colors::orangeFill : &Colors::blueFill);
     startButton_->setBusy(isAdding_);
@@ -239,19 +240,21 @@ void AddServeView::makeControls() {
     sourceType_ = new PopUp;
     for (const SourceType type : allSourceTypes)
         sourceType_->addItem(toQString(rawValue(type)));
-    sourceType_->setAccessibleName(tr("Source Type"));
+    sourceType_->setAccessibleName(QStringLiteral("Source Type"));
     source_ = makeField();
-    browse_ = new IconButton(QStringLiteral("folder.badge.plus"), tr("Browse…"), &Colors::text);
+    browse_ = new IconButton(QStringLiteral("folder.badge.plus"), QStringLiteral("Browse…"),
+                             &Colors::text);
     browse_->setBordered(true);
     sourceHint_ = makeCaption();
     urlPath_ = makeField();
     urlPath_->setText(toQString(draft_.urlPath));
-    urlPath_->setAccessibleName(tr("URL Path (optional)"));
+    urlPath_->setAccessibleName(QStringLiteral("URL Path (optional)"));
     urlPathHint_ = makeCaption();
-    background_ = new QCheckBox(tr("Run in background"));
+    background_ = new QCheckBox(QStringLiteral("Run in background"));
     background_->setChecked(draft_.background);
-    preview_ = new SelectableText(tr("Preview"), TextStyle::code, &Colors::text, 6);
-    errorText_ = new SelectableText(tr("Error"), TextStyle::caption, &Colors::orangeText, 12);
+    preview_ = new SelectableText(QStringLiteral("Preview"), TextStyle::code, &Colors::text, 6);
+    errorText_ =
+        new SelectableText(QStringLiteral("Error"), TextStyle::caption, &Colors::orangeText, 12);
     startButton_ = new PushButton(PushButton::Kind::prominent);
 }
 
@@ -268,15 +271,15 @@ QWidget* AddServeView::makeSourceSection() {
 }
 
 QWidget* AddServeView::makePathSection() {
-    auto* section = new FormSection(tr("URL Path (optional)"));
+    auto* section = new FormSection(QStringLiteral("URL Path (optional)"));
     section->add(urlPath_);
     section->add(urlPathHint_);
     return section;
 }
 
 QWidget* AddServeView::makeOptionsSection() {
-    auto* section = new FormSection(tr("Options"));
-    auto* caption = makeCaption(tr("Share persists after this window closes"));
+    auto* section = new FormSection(QStringLiteral("Options"));
+    auto* caption = makeCaption(QStringLiteral("Share persists after this window closes"));
     background_->setAccessibleDescription(caption->text());
     // Indented to the check box's text.
     caption->setIndent(0);
@@ -294,7 +297,7 @@ QWidget* AddServeView::makePreview() {
     auto* column = new QVBoxLayout(section);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(6);
-    column->addWidget(new Label(TextStyle::section, &Colors::secondary, tr("Preview")));
+    column->addWidget(new Label(TextStyle::section, &Colors::secondary, QStringLiteral("Preview")));
     auto* box = new Surface(&Colors::blueTint, 0.09, 6);
     auto* inside = new QVBoxLayout(box);
     inside->setContentsMargins(9, 8, 9, 8);
@@ -317,7 +320,7 @@ QWidget* AddServeView::makeErrorRow() {
 }
 
 void AddServeView::layOut() {
-    auto* typeSection = new FormSection(tr("Source Type"));
+    auto* typeSection = new FormSection(QStringLiteral("Source Type"));
     typeSection->addNamed(sourceType_);
     pathSection_ = makePathSection();
     previewSection_ = makePreview();

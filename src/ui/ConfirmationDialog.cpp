@@ -60,7 +60,7 @@ QMessageBox* openConfirmation(const QString& title, const QString& message,
     box->setTextFormat(Qt::PlainText);
     box->setText(title);
     box->setInformativeText(message);
-    QPushButton* cancel = box->addButton(QMessageBox::tr("Cancel"), QMessageBox::RejectRole);
+    QPushButton* cancel = box->addButton(QStringLiteral("Cancel"), QMessageBox::RejectRole);
     QPushButton* destructive = box->addButton(destructiveLabel, QMessageBox::DestructiveRole);
     setDestructive(*destructive);
     box->setDefaultButton(cancel);

@@ -205,7 +205,7 @@ void ContentView::copyUrl(const QString& url) {
     QClipboard* clipboard = QGuiApplication::clipboard();
     clipboard->clear();
     clipboard->setText(url);
-    showToast(tr("URL copied!"));
+    showToast(QStringLiteral("URL copied!"));
 }
 
 void ContentView::stop(const ServeEntry& entry, std::function<void()> finished) {
@@ -214,7 +214,7 @@ void ContentView::stop(const ServeEntry& entry, std::function<void()> finished) 
                            if (!view) return;
                            finished();
                            if (success)
-                               view->showToast(tr("Share stopped"));
+                               view->showToast(QStringLiteral("Share stopped"));
                            else
                                view->failToStop(output);
                        });
@@ -233,10 +233,11 @@ void ContentView::confirmReset(ResetTarget target) {
     if (showResetConfirm_) return;
     resetTarget_ = target;
     const ResetTexts texts = resetTexts(target);
-    showResetConfirm_ = openConfirmation(toQString(texts.title), toQString(texts.message),
-                                         tr("Reset"), window(), [view = QPointer(this)] {
-                                             if (view) view->performReset();
-                                         });
+    showResetConfirm_ =
+        openConfirmation(toQString(texts.title), toQString(texts.message), QStringLiteral("Reset"),
+                         window(), [view = QPointer(this)] {
+                             if (view) view->performReset();
+                         });
 }
 
 void ContentView::performReset() {

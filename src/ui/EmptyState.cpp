@@ -9,9 +9,11 @@
 namespace brevane {
 
 EmptyState::EmptyState(QWidget* parent) : QWidget(parent) {
-    auto* title = new Label(TextStyle::headline, &Colors::secondary, tr("No active shares"));
-    auto* advice = new Label(TextStyle::callout, &Colors::secondary,
-                             tr("Use the form on the right to\ncreate a Serve or Funnel."));
+    auto* title =
+        new Label(TextStyle::headline, &Colors::secondary, QStringLiteral("No active shares"));
+    auto* advice =
+        new Label(TextStyle::callout, &Colors::secondary,
+                  QStringLiteral("Use the form on the right to\ncreate a Serve or Funnel."));
     for (auto* label : {title, advice}) {
         label->setAlignment(Qt::AlignCenter);
         label->setWordWrap(true);

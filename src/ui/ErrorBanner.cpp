@@ -12,9 +12,9 @@ namespace brevane {
 
 ErrorBanner::ErrorBanner(QWidget* parent)
     : Surface(&Colors::orangeTint, 0.12, 0, parent),
-      text_(new SelectableText(tr("Error"), TextStyle::caption, &Colors::text, 8)) {
+      text_(new SelectableText(QStringLiteral("Error"), TextStyle::caption, &Colors::text, 8)) {
     setAccessibleRole(*this, QAccessible::Notification);
-    auto* clear = new PushButton(PushButton::Kind::link, tr("Clear"));
+    auto* clear = new PushButton(PushButton::Kind::link, QStringLiteral("Clear"));
     connect(clear, &PushButton::clicked, this, &ErrorBanner::clearRequested);
 
     auto* warning =

@@ -19,7 +19,7 @@ ModeHeader::ModeHeader(QWidget* parent)
         labels << toQString(rawValue(mode));
     auto* picker = new SegmentedControl(labels);
     setAccessibleRole(*picker, QAccessible::Grouping);
-    picker->setAccessibleName(tr("Mode"));
+    picker->setAccessibleName(QStringLiteral("Mode"));
     connect(picker, &SegmentedControl::currentIndexChanged, this,
             [this](int index) { choose(allServeModes[static_cast<std::size_t>(index)]); });
     caption_->setWordWrap(true);

@@ -14,13 +14,13 @@
 namespace brevane {
 
 SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
-    auto* more = new IconButton(QStringLiteral("ellipsis.circle"), tr("Reset Shares"));
+    auto* more = new IconButton(QStringLiteral("ellipsis.circle"), QStringLiteral("Reset Shares"));
     auto* menu = new QMenu(more);
     menu->setFont(theme().font(TextStyle::body));
     const std::pair<QString, ResetTarget> items[] = {
-        {tr("Reset All Serves"), ResetTarget::serves},
-        {tr("Reset All Funnels"), ResetTarget::funnels},
-        {tr("Reset Everything"), ResetTarget::all}};
+        {QStringLiteral("Reset All Serves"), ResetTarget::serves},
+        {QStringLiteral("Reset All Funnels"), ResetTarget::funnels},
+        {QStringLiteral("Reset Everything"), ResetTarget::all}};
     for (const auto& [label, target] : items) {
         QAction* item = menu->addAction(label);
         setDestructive(*item);
@@ -39,7 +39,8 @@ SectionBar::SectionBar(QWidget* parent) : QWidget(parent) {
     auto* row = new QHBoxLayout(this);
     // Aligns the button's symbol, not its edge, with the rows above and below.
     row->setContentsMargins(Theme::headerPadding, 4, Theme::headerPadding, 4);
-    row->addWidget(new Label(TextStyle::subheadline, &Colors::secondary, tr("Active Shares")));
+    row->addWidget(
+        new Label(TextStyle::subheadline, &Colors::secondary, QStringLiteral("Active Shares")));
     row->addStretch();
     row->addWidget(more);
 }

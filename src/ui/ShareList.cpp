@@ -40,8 +40,10 @@ ShareList::ShareList(CopyAction onCopy, StopAction onStop, QWidget* parent)
     column->setContentsMargins(Theme::listPaddingX, Theme::listPaddingY, Theme::listPaddingX,
                                Theme::listPaddingY);
     column->setSpacing(0);
-    serves_ = makeSection(tr("Serves"), QStringLiteral("lock.shield"), &Colors::blue, *column);
-    funnels_ = makeSection(tr("Funnels"), QStringLiteral("globe"), &Colors::orange, *column);
+    serves_ = makeSection(QStringLiteral("Serves"), QStringLiteral("lock.shield"), &Colors::blue,
+                          *column);
+    funnels_ =
+        makeSection(QStringLiteral("Funnels"), QStringLiteral("globe"), &Colors::orange, *column);
     column->addStretch();
     setWidget(content);
     content->setAutoFillBackground(false);

@@ -51,8 +51,10 @@ ShareRowView::ShareRowView(std::function<void(const QString&)> onCopy,
       badge_(new Badge(this)), address_(new ShareAddress(this)),
       detailSymbol_(new SymbolView({}, &Colors::secondary, 10, this)),
       detail_(new Label(TextStyle::caption, &Colors::secondary, {}, this)),
-      copy_(new IconButton(QStringLiteral("doc.on.doc"), tr("Copy URL"), &Colors::secondary, this)),
-      stop_(new IconButton(QStringLiteral("stop.circle"), tr("Stop share"), &Colors::red, this)) {
+      copy_(new IconButton(QStringLiteral("doc.on.doc"), QStringLiteral("Copy URL"),
+                           &Colors::secondary, this)),
+      stop_(new IconButton(QStringLiteral("stop.circle"), QStringLiteral("Stop share"),
+                           &Colors::red, this)) {
     setAccessibleRole(*this, QAccessible::ListItem);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     detail_->setElided();
@@ -108,14 +110,14 @@ void ShareRowView::setStopping(bool on) {
     stop_->setBusy(on);
     stop_->setEnabled(!on);
     address_->setColor(on ? &Colors::secondary : &Colors::text);
-    setAccessibleDescription(on ? tr("Stopping") : QString());
+    setAccessibleDescription(on ? QStringLiteral("Stopping") : QString());
     describeButtons();
 }
 
 // Every row's buttons have the same names; the description distinguishes them.
 void ShareRowView::describeButtons() {
     copy_->setAccessibleDescription(url_);
-    stop_->setAccessibleDescription(stopping_ ? tr("Stopping, %1").arg(url_) : url_);
+    stop_->setAccessibleDescription(stopping_ ? QStringLiteral("Stopping, %1").arg(url_) : url_);
 }
 
 void ShareRowView::setHovered(bool on) {
@@ -127,8 +129,8 @@ void ShareRowView::setHovered(bool on) {
 void ShareRowView::confirmStop() {
     if (showStopConfirm_ || stopping_) return;
     showStopConfirm_ =
-        openConfirmation(toQString(stopTitle(entry_)), toQString(stopMessage(entry_)), tr("Stop"),
-                         window(), [row = QPointer(this)] {
+        openConfirmation(toQString(stopTitle(entry_)), toQString(stopMessage(entry_)),
+                         QStringLiteral("Stop"), window(), [row = QPointer(this)] {
                              if (row) row->onStop_(row->entry_);
                          });
 }

@@ -38,8 +38,9 @@ StatusHeader::StatusHeader(QWidget* parent)
     : Surface(&Colors::pane, 1, 0, parent), spinner_(new Spinner(12)), dot_(new Dot),
       status_(new Label(TextStyle::caption, &Colors::secondary)) {
     const QKeySequence keys(Qt::CTRL | Qt::Key_R);
-    auto* refresh = new IconButton(QStringLiteral("arrow.clockwise"),
-                                   tr("Refresh (%1)").arg(keys.toString(QKeySequence::NativeText)));
+    auto* refresh =
+        new IconButton(QStringLiteral("arrow.clockwise"),
+                       QStringLiteral("Refresh (%1)").arg(keys.toString(QKeySequence::NativeText)));
     refresh->setShortcut(keys);
     connect(refresh, &IconButton::clicked, this, &StatusHeader::refreshRequested);
     status_->setElided();

@@ -339,14 +339,15 @@ TEST_F(ShareOperations, StopsAndResetsCompleteAfterTheyHaveAskedForARefresh) {
 }
 
 TEST_F(ShareOperations, AStopDoesNotWaitForADiskThatHangs) {
-    std::latch answer(1);
-    preferences.beforeUpdate = [&] { answer.wait(); };
+    // Shared, since the record's thread may still wait when the test has ended.
+    const auto answer = std::make_shared<std::latch>(1);
+    preferences.beforeUpdate = [answer] { answer->wait(); };
     start();
     const auto begun = std::chrono::steady_clock::now();
     service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:49231"), completion());
     EXPECT_TRUE(waitForOutcome().success);
     EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(30));
-    answer.count_down();
+    answer->count_down();
 }
 
 TEST_F(ShareOperations, AnOperationWhoseServiceIsGoneRunsNothingAndNeverCompletes) {

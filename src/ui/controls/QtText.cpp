@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "QtText.h"
 
-#include <QCoreApplication>
 #include <QLocale>
 #include <QTextDocument>
 
@@ -27,7 +26,7 @@ QString shownText(std::string_view text) {
     shown.truncate(shown[limit - 1].isHighSurrogate() ? limit - 1 : limit);
     // Counting the characters would take linear time.
     const auto rest = static_cast<qint64>(text.size()) - shown.toUtf8().size();
-    return shown + QCoreApplication::translate("QtText", "… and %1 more")
+    return shown + QStringLiteral("… and %1 more")
                        .arg(QLocale().formattedDataSize(rest, 1, QLocale::DataSizeSIFormat));
 }
 

@@ -18,7 +18,7 @@ constexpr int intervalMs = 100;
 Spinner::Spinner(int side, ColorRole color, QWidget* parent) : QWidget(parent), color_(color) {
     setFixedSize(side, side);
     setAccessibleRole(*this, QAccessible::Animation);
-    setAccessibleName(tr("Busy"));
+    setAccessibleName(QStringLiteral("Busy"));
     connect(&theme(), &Theme::changed, this, &Spinner::turnOrStand);
 }
 
