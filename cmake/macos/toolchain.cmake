@@ -32,6 +32,9 @@ set(CMAKE_CXX_FLAGS_INIT "-U_LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS -Werr
 # Links only the system's libc++, by a list of the symbols in it.
 set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ ${CMAKE_CURRENT_LIST_DIR}/libc++.tbd")
 
+# moc asks no cross-compiler what it defines.
+set(CMAKE_AUTOMOC_MOC_OPTIONS -D__APPLE__)
+
 # There is no SDK, and the target option selects the processor.
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "" FORCE)
 set(CMAKE_OSX_ARCHITECTURES "" CACHE STRING "" FORCE)

@@ -156,7 +156,7 @@ void AddServeView::finishStart(ServeMode mode, bool success, const std::string& 
     }
     redraw();
     if (errorMsg_.isEmpty()) return;
-    announce(*errorRow_);
+    showAndAnnounce(*errorRow_);
     // Its position is known only after the next layout pass.
     QMetaObject::invokeMethod(
         this, [this] { scroll_->ensureWidgetVisible(errorRow_); }, Qt::QueuedConnection);
@@ -168,20 +168,20 @@ void AddServeView::redraw() {
 
     modeDescription_->setPlainText(toQString(brevane::modeDescription(draft_.mode)));
     sourceSection_->setTitle(toQString(texts.fieldLabel));
-    source_->setAccessibleName(toQString(texts.fieldLabel));
+    changeAccessibleName(*source_, toQString(texts.fieldLabel));
     source_->setPlaceholderText(toQString(texts.placeholder));
     browse_->setVisible(isServedByUs(draft_.sourceType));
     sourceHint_->setPlainText(toQString(texts.hint));
-    source_->setAccessibleDescription(sourceHint_->text());
+    changeAccessibleDescription(*source_, sourceHint_->text());
     pathSection_->setVisible(draft_.sourceType != SourceType::tcpForward);
     urlPathHint_->setPlainText(toQString(brevane::urlPathHint(draft_.sourceType)));
-    urlPath_->setAccessibleDescription(urlPathHint_->text());
+    changeAccessibleDescription(*urlPath_, urlPathHint_->text());
 
     previewSection_->setVisible(!draft_.source.empty());
     if (!draft_.source.empty())
         preview_->setShownText(shownText(commandPreview(draft_, service_.dnsName.get())));
-    errorRow_->setVisible(!errorMsg_.isEmpty());
-    errorRow_->setAccessibleName(errorMsg_);
+    if (errorMsg_.isEmpty()) errorRow_->hide();
+    changeAccessibleName(*errorRow_, errorMsg_);
     errorText_->setShownText(errorMsg_);
 
     startButton_->setText(isAdding_ ? QStringLiteral("Starting…")

@@ -55,7 +55,6 @@ QMessageBox* openConfirmation(const QString& title, const QString& message,
     // Qt's default role is an alert, which is for errors.
     setAccessibleRole(*box, QAccessible::Dialog);
     box->setAccessibleName(title);
-    box->setAccessibleDescription(message);
     box->setWindowTitle(QStringLiteral("Brevane"));
     box->setTextFormat(Qt::PlainText);
     box->setText(title);

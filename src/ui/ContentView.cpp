@@ -68,7 +68,6 @@ ContentView::ContentView(TailscaleService& service, MainQueue& mainQueue, QWidge
     managedServersObservation_ = service_.managedServerInfo.willChange.subscribe(redrawEntries);
     errorObservation_ = service_.lastError.willChange.subscribe([this] { errorChanged_ = true; });
     observation_ = service_.objectWillChange.subscribe([this] { scheduleRedraw(); });
-    form_->focusSource();
 }
 
 ContentView::~ContentView() = default;
@@ -165,8 +164,10 @@ bool ContentView::focusNextPrevChild(bool next) {
 
 bool ContentView::event(QEvent* event) {
     switch (event->type()) {
-    case QEvent::Resize:
     case QEvent::Show:
+        if (window()->focusWidget() == nullptr) form_->focusSource();
+        [[fallthrough]];
+    case QEvent::Resize:
     case QEvent::LayoutRequest:
         shareWidth();
         matchHeaderHeights();

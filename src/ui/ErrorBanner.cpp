@@ -36,10 +36,12 @@ ErrorBanner::ErrorBanner(QWidget* parent)
 
 void ErrorBanner::setError(const QString& error) {
     const bool isNew = error != accessibleName();
-    setAccessibleName(error);
+    changeAccessibleName(*this, error);
     text_->setShownText(error);
-    setVisible(!error.isEmpty());
-    if (isNew && !error.isEmpty()) announce(*this);
+    if (error.isEmpty())
+        hide();
+    else if (isNew)
+        showAndAnnounce(*this);
 }
 
 } // namespace brevane

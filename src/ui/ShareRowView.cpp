@@ -116,8 +116,9 @@ void ShareRowView::setStopping(bool on) {
 
 // Every row's buttons have the same names; the description distinguishes them.
 void ShareRowView::describeButtons() {
-    copy_->setAccessibleDescription(url_);
-    stop_->setAccessibleDescription(stopping_ ? QStringLiteral("Stopping, %1").arg(url_) : url_);
+    changeAccessibleDescription(*copy_, url_);
+    changeAccessibleDescription(*stop_,
+                                stopping_ ? QStringLiteral("Stopping, %1").arg(url_) : url_);
 }
 
 void ShareRowView::setHovered(bool on) {

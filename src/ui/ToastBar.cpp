@@ -34,9 +34,8 @@ void ToastBar::hideEvent(QHideEvent*) {
 
 void ToastBar::showToast(const QString& message) {
     text_->setPlainText(message);
-    setAccessibleName(message);
-    show();
-    announce(*this);
+    changeAccessibleName(*this, message);
+    showAndAnnounce(*this);
     toastTimer_.start();
 }
 

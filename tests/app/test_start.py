@@ -64,6 +64,14 @@ def test_desktop_file_and_window_class_agree_and_the_window_has_an_icon(user):
     assert "Icon (64 x 64)" in shown
 
 
+def test_the_source_can_be_typed_at_once(user):
+    child = user.start()
+    until("the window to be active", lambda: user.active_title() == "Brevane")
+    user.xdotool("type", "3000")
+    field = user.window(child).field("Port or URL")
+    until("the text", lambda: field.text == "3000")
+
+
 def test_one_refresh_is_asked_for_at_the_start(user):
     user.tailscale(f'echo "$*" >>{user.folder}/asked')
     user.start()

@@ -355,8 +355,8 @@ TEST_F(LookTest, TheDesktopsAccentColourMarksWhatIsSelectedAndStaysLegible) {
     };
     for (const bool dark : {false, true})
         for (const bool hasHighContrast : {false, true})
-            for (const QColor& accent :
-                 {QColor(Qt::yellow), QColor(Qt::black), QColor(Qt::white), QColor(0x91, 0x41, 0xac)}) {
+            for (const QColor& accent : {QColor(Qt::yellow), QColor(Qt::black), QColor(Qt::white),
+                                         QColor(0x91, 0x41, 0xac)}) {
                 const_cast<Theme&>(theme()).setLook(
                     {.isDark = dark, .hasHighContrast = hasHighContrast, .accent = accent});
                 settle();

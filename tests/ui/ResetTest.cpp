@@ -75,8 +75,7 @@ TEST_F(ResetTest, TheMenusKeysWorkWhileAQuestionIsOpen) {
 TEST_F(ResetTest, AllServes) {
     choose("Reset All Serves");
     EXPECT_EQ(dialog()->accessibleName(), "Reset All Serves?");
-    EXPECT_EQ(dialog()->accessibleDescription(),
-              "This will stop all active serves (tailnet-only).");
+    EXPECT_EQ(message(), "This will stop all active serves (tailnet-only).");
     press("Reset");
     ASSERT_TRUE(until([&] { return shows("Serves stopped"); }));
     EXPECT_EQ(changes(), std::vector<std::string>{"serve reset"});
@@ -85,8 +84,7 @@ TEST_F(ResetTest, AllServes) {
 TEST_F(ResetTest, AllFunnels) {
     choose("Reset All Funnels");
     EXPECT_EQ(dialog()->accessibleName(), "Reset All Funnels?");
-    EXPECT_EQ(dialog()->accessibleDescription(),
-              "This will stop all active funnels (public internet).");
+    EXPECT_EQ(message(), "This will stop all active funnels (public internet).");
     press("Reset");
     ASSERT_TRUE(until([&] { return shows("Funnels stopped"); }));
     EXPECT_EQ(changes(), std::vector<std::string>{"funnel reset"});
@@ -95,7 +93,7 @@ TEST_F(ResetTest, AllFunnels) {
 TEST_F(ResetTest, Everything) {
     choose("Reset Everything");
     EXPECT_EQ(dialog()->accessibleName(), "Reset All Shares?");
-    EXPECT_EQ(dialog()->accessibleDescription(), "This will stop all active serves and funnels.");
+    EXPECT_EQ(message(), "This will stop all active serves and funnels.");
     press("Reset");
     ASSERT_TRUE(until([&] { return shows("All shares stopped"); }));
     EXPECT_EQ(changes(), (std::vector<std::string>{"serve reset", "funnel reset"}));

@@ -51,7 +51,7 @@ TEST_F(ShareListTest, StopAsksFirstAndThenStopsThePort) {
     EXPECT_EQ(QAccessible::queryAccessibleInterface(dialog())->role(), QAccessible::Dialog);
     EXPECT_EQ(dialog()->windowModality(), Qt::WindowModal);
     EXPECT_EQ(dialog()->accessibleName(), "Stop share on port 8443");
-    EXPECT_EQ(dialog()->accessibleDescription(),
+    EXPECT_EQ(message(),
               "This will stop all handlers on port 8443. All paths served on this port will become "
               "unavailable.");
     EXPECT_TRUE(changes().empty());

@@ -18,6 +18,7 @@
 #include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QTest>
 #include <QToolTip>
 
@@ -108,6 +109,8 @@ protected:
         return shown;
     }
 
+    // What the open question says.
+    QString message() { return qobject_cast<QMessageBox*>(dialog())->informativeText(); }
     QDialog* dialog() {
         for (QWidget* top : QApplication::topLevelWidgets())
             if (auto* found = qobject_cast<QDialog*>(top); found && found->isVisible())

@@ -70,18 +70,27 @@ void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
     widget.setProperty(roleProperty, static_cast<int>(role));
 }
 
-void announce(QWidget& widget) {
+void changeAccessibleName(QWidget& widget, const QString& name) {
+    if (widget.accessibleName() != name) widget.setAccessibleName(name);
+}
+
+void changeAccessibleDescription(QWidget& widget, const QString& description) {
+    if (widget.accessibleDescription() != description) widget.setAccessibleDescription(description);
+}
+
+void showAndAnnounce(QWidget& widget) {
+    [[maybe_unused]] const bool wasVisible = widget.isVisible();
+    widget.show();
     if (!QAccessible::isActive()) return;
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
+#if defined(__APPLE__) && QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
     QAccessibleAnnouncementEvent announcement(&widget, widget.accessibleName());
     QAccessible::updateAccessibility(&announcement);
 #else
-    // Before 6.8, screen readers speak when an alert is shown.
-    for (const auto what :
-         {QAccessible::NameChanged, QAccessible::ObjectShow, QAccessible::Alert}) {
-        QAccessibleEvent event(&widget, what);
-        QAccessible::updateAccessibility(&event);
-    }
+    // Screen readers speak a notification that is shown, which Qt has just reported if it was
+    // hidden.
+    if (!wasVisible) return;
+    QAccessibleEvent event(&widget, QAccessible::ObjectShow);
+    QAccessible::updateAccessibility(&event);
 #endif
 }
 

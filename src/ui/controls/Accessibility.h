@@ -15,8 +15,12 @@ void installAccessibleInterfaces();
 /// accessible name, since Qt then creates the interface, and with it the role.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
-/// Makes the screen reader speak the accessible name of `widget` without moving the focus, after it
-/// has been shown or has changed.
-void announce(QWidget& widget);
+/// Like QWidget's setters, which report a change to screen readers even if there is none.
+void changeAccessibleName(QWidget& widget, const QString& name);
+void changeAccessibleDescription(QWidget& widget, const QString& description);
+
+/// Shows `widget`, whose role is a notification, and makes the screen reader speak its accessible
+/// name once, without moving the focus.
+void showAndAnnounce(QWidget& widget);
 
 } // namespace brevane

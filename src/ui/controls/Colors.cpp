@@ -51,8 +51,8 @@ Colors withHighContrast(Colors colors, bool isDark) {
     for (const auto ink : {&Colors::blue, &Colors::orange, &Colors::orangeText, &Colors::green,
                            &Colors::red, &Colors::focus})
         colors.*ink = isDark ? (colors.*ink).lighter(125) : (colors.*ink).darker(145);
-    for (const auto fill : {&Colors::blueFill, &Colors::orangeFill, &Colors::redFill,
-                            &Colors::accentFill})
+    for (const auto fill :
+         {&Colors::blueFill, &Colors::orangeFill, &Colors::redFill, &Colors::accentFill})
         colors.*fill = (colors.*fill).darker(145);
     if (isDark) colors.segment = colors.segment.darker(145);
     return colors;

@@ -63,7 +63,8 @@ void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWi
     QColor ink = enabled ? c.text : c.secondary;
     if (destructive) ink = c.red;
     if (selected) {
-        drawRoundedBox(painter, box.adjusted(5, 0, -5, 0), 5, destructive ? c.redFill : c.accentFill);
+        drawRoundedBox(painter, box.adjusted(5, 0, -5, 0), 5,
+                       destructive ? c.redFill : c.accentFill);
         ink = c.onFill;
     }
     painter.setPen(ink);

@@ -13,6 +13,9 @@ PopUp::PopUp(QWidget* parent) : QComboBox(parent) {
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     setFont(theme().font(TextStyle::body));
     connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
+    // On Linux, Qt reports the choice as the name, in place of which screen readers speak the
+    // label.
+    connect(this, &QComboBox::currentTextChanged, this, &QWidget::setAccessibleDescription);
 }
 
 void PopUp::showPopup() {
