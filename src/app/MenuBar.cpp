@@ -47,7 +47,7 @@ QAction* addItem(QMenu& menu, const QString& text, const QKeySequence& key,
 /// Adds an item that calls a slot of the focused widget, such as "copy", which Qt's text widgets
 /// have; it does nothing if the widget lacks that slot.
 void addEditItem(QMenu& menu, const QString& text, const QKeySequence& key, const char* slot) {
-    addItem(menu, text, key, [slot] {
+    QAction* item = addItem(menu, text, key, [slot] {
         QWidget* focused = QApplication::focusWidget();
         if (focused == nullptr) return;
         const QByteArray signature = QByteArray(slot) + "()";
@@ -57,6 +57,8 @@ void addEditItem(QMenu& menu, const QString& text, const QKeySequence& key, cons
         if (changesText && focused->property("readOnly").toBool()) return;
         QMetaObject::invokeMethod(focused, slot, Qt::DirectConnection);
     });
+    // By its text, macOS recognizes an item that its own panels also act on, such as Paste.
+    item->setMenuRole(QAction::TextHeuristicRole);
 }
 
 } // namespace
@@ -85,7 +87,9 @@ void fillMenuBar(QMenuBar& bar, const std::function<void()>& showAbout,
         if (QWidget* active = QApplication::activeWindow()) active->close();
     });
     addItem(window, "&Minimize", Qt::CTRL | Qt::Key_M, [] {
-        if (QWidget* active = QApplication::activeWindow()) active->showMinimized();
+        QWidget* active = QApplication::activeWindow();
+        if (active != nullptr && active->windowFlags().testFlag(Qt::WindowMinimizeButtonHint))
+            active->showMinimized();
     });
 }
 

@@ -24,14 +24,12 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
-#include <QPointer>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
 #include <algorithm>
 #include <limits>
-#include <utility>
 
 namespace brevane {
 
@@ -68,9 +66,7 @@ QLineEdit* makeField() {
 
 } // namespace
 
-AddServeView::AddServeView(TailscaleService& service, std::function<void(const QString&)> onAdded,
-                           QWidget* parent)
-    : Surface(&Colors::window, 1, 0, parent), service_(service), onAdded_(std::move(onAdded)) {
+AddServeView::AddServeView(QWidget* parent) : Surface(&Colors::window, 1, 0, parent) {
     setAcceptDrops(true);
     setFont(theme().font(TextStyle::body));
     connect(&theme(), &Theme::changed, this, [this] { setFont(theme().font(TextStyle::body)); });
@@ -97,6 +93,12 @@ AddServeView::AddServeView(TailscaleService& service, std::function<void(const Q
 
 void AddServeView::setMode(ServeMode mode) {
     draft_.mode = mode;
+    redraw();
+}
+
+void AddServeView::setHost(const std::string& dnsName) {
+    if (host_ == dnsName) return;
+    host_ = dnsName;
     redraw();
 }
 
@@ -139,21 +141,15 @@ void AddServeView::start() {
     errorMsg_.clear();
     isAdding_ = true;
     redraw();
-    service_.add(
-        draft_.mode, draft_.sourceType, draft_.source, mountPathWord(draft_), draft_.background,
-        [view = QPointer(this), mode = draft_.mode](bool success, const std::string& output) {
-            if (view) view->finishStart(mode, success, output);
-        });
+    Q_EMIT startRequested(draft_);
 }
 
-void AddServeView::finishStart(ServeMode mode, bool success, const std::string& output) {
+void AddServeView::finishStart(bool success, const std::string& output) {
     isAdding_ = false;
-    if (success) {
-        onAdded_(toQString(startedMessage(mode)));
+    if (success)
         source_->clear();
-    } else {
+    else
         errorMsg_ = shownText(startFailedMessage(output));
-    }
     redraw();
     if (errorMsg_.isEmpty()) return;
     showAndAnnounce(*errorRow_);
@@ -178,8 +174,7 @@ void AddServeView::redraw() {
     changeAccessibleDescription(*urlPath_, urlPathHint_->text());
 
     previewSection_->setVisible(!draft_.source.empty());
-    if (!draft_.source.empty())
-        preview_->setShownText(shownText(commandPreview(draft_, service_.dnsName.get())));
+    if (!draft_.source.empty()) preview_->setShownText(shownText(commandPreview(draft_, host_)));
     if (errorMsg_.isEmpty()) errorRow_->hide();
     changeAccessibleName(*errorRow_, errorMsg_);
     errorText_->setShownText(errorMsg_);

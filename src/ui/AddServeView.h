@@ -3,9 +3,7 @@
 
 #include "ShareDraft.h"
 #include "Surface.h"
-#include "TailscaleService.h"
 
-#include <functional>
 #include <string>
 
 class QCheckBox;
@@ -26,10 +24,10 @@ class SelectableText;
 class AddServeView : public Surface {
     Q_OBJECT
 public:
-    /// `onAdded` is called with the message to show when a share has been made. The service
-    /// outlives the view.
-    AddServeView(TailscaleService& service, std::function<void(const QString& message)> onAdded,
-                 QWidget* parent = nullptr);
+    explicit AddServeView(QWidget* parent = nullptr);
+
+    /// Sets the machine's name, which the preview shows.
+    void setHost(const std::string& dnsName);
 
     /// Selects whether a new share is a serve or a funnel.
     void setMode(ServeMode mode);
@@ -44,13 +42,17 @@ public:
     /// Opens the desktop's file chooser for a file or a folder. Does not block.
     void pickPath();
 
-    /// Makes the share, if the draft is complete and none is being made.
+    /// Asks for the share, if the draft is complete and none is being made.
     void start();
 
-    /// Shows the draft and what the service publishes.
-    void redraw();
+    /// Shows that the share has been made, or the error that `output` describes.
+    void finishStart(bool success, const std::string& output);
 
     [[nodiscard]] const ShareDraft& currentDraft() const { return draft_; }
+
+Q_SIGNALS:
+    /// Nothing else is asked for until `finishStart()`.
+    void startRequested(const brevane::ShareDraft& draft);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -67,14 +69,13 @@ private:
     [[nodiscard]] QWidget* makePreview();
     [[nodiscard]] QWidget* makeErrorRow();
     void layOut();
+    void redraw();
     void setSourceType(SourceType type);
     void setSource(const QString& text);
-    void finishStart(ServeMode mode, bool success, const std::string& output);
     void setDropHighlight(bool on);
 
-    TailscaleService& service_;
-    std::function<void(const QString&)> onAdded_;
     ShareDraft draft_;
+    std::string host_;
     bool isAdding_ = false;
     QString errorMsg_;
     bool dropHighlight_ = false;

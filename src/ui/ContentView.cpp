@@ -9,6 +9,7 @@
 #include "ModeHeader.h"
 #include "QtText.h"
 #include "SectionBar.h"
+#include "ShareDraft.h"
 #include "ShareList.h"
 #include "StatusHeader.h"
 #include "StatusLine.h"
@@ -81,10 +82,9 @@ QWidget* ContentView::makeLeftPane() {
     errorBanner_ = new ErrorBanner;
     connect(errorBanner_, &ErrorBanner::clearRequested, this,
             [this] { service_.lastError.set(std::nullopt); });
-    list_ = new ShareList([this](const QString& url) { copyUrl(url); },
-                          [this](const ServeEntry& entry, std::function<void()> finished) {
-                              stop(entry, std::move(finished));
-                          });
+    list_ = new ShareList;
+    connect(list_, &ShareList::copyRequested, this, &ContentView::copyUrl);
+    connect(list_, &ShareList::stopRequested, this, &ContentView::stop);
     emptyState_ = new EmptyState;
     auto* column = new QVBoxLayout(pane);
     column->setContentsMargins(0, 0, 0, 0);
@@ -101,7 +101,8 @@ QWidget* ContentView::makeLeftPane() {
 QWidget* ContentView::makeRightPane() {
     auto* pane = new Surface(&Colors::window);
     modeHeader_ = new ModeHeader;
-    form_ = new AddServeView(service_, [this](const QString& message) { showToast(message); });
+    form_ = new AddServeView;
+    connect(form_, &AddServeView::startRequested, this, &ContentView::add);
     connect(modeHeader_, &ModeHeader::modeChanged, form_, &AddServeView::setMode);
     auto* column = new QVBoxLayout(pane);
     column->setContentsMargins(0, 0, 0, 0);
@@ -199,7 +200,7 @@ void ContentView::redraw() {
         list_->setVisible(!service_.entries->empty());
         emptyState_->setVisible(service_.entries->empty());
     }
-    form_->redraw();
+    form_->setHost(service_.dnsName.get());
 }
 
 void ContentView::copyUrl(const QString& url) {
@@ -209,11 +210,21 @@ void ContentView::copyUrl(const QString& url) {
     showToast(QStringLiteral("URL copied!"));
 }
 
-void ContentView::stop(const ServeEntry& entry, std::function<void()> finished) {
+void ContentView::add(const ShareDraft& draft) {
+    service_.add(
+        draft.mode, draft.sourceType, draft.source, mountPathWord(draft), draft.background,
+        [view = QPointer(this), mode = draft.mode](bool success, const std::string& output) {
+            if (!view) return;
+            if (success) view->showToast(toQString(startedMessage(mode)));
+            view->form_->finishStart(success, output);
+        });
+}
+
+void ContentView::stop(const ServeEntry& entry) {
     service_.stopEntry(entry,
-                       [view = QPointer(this), finished](bool success, const std::string& output) {
+                       [view = QPointer(this), entry](bool success, const std::string& output) {
                            if (!view) return;
-                           finished();
+                           view->list_->finishStop(entry);
                            if (success)
                                view->showToast(QStringLiteral("Share stopped"));
                            else

@@ -8,7 +8,6 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <functional>
 #include <string>
 
 class QMessageBox;
@@ -23,6 +22,7 @@ class ModeHeader;
 class ShareList;
 class StatusHeader;
 class ToastBar;
+struct ShareDraft;
 
 /// The main window's content: the shares on the left, the form for a new one on the right, and
 /// under both a message for a few seconds. Shows what the service publishes, redrawing at most once
@@ -56,7 +56,8 @@ private:
     void redraw();
 
     void copyUrl(const QString& url);
-    void stop(const ServeEntry& entry, std::function<void()> finished);
+    void add(const ShareDraft& draft);
+    void stop(const ServeEntry& entry);
     void failToStop(const std::string& output);
     void confirmReset(ResetTarget target);
 

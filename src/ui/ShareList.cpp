@@ -29,8 +29,7 @@ bool ShareList::Key::operator<(const Key& other) const {
            std::tie(other.hostPort, other.urlPath, other.handlerType, other.occurrence);
 }
 
-ShareList::ShareList(CopyAction onCopy, StopAction onStop, QWidget* parent)
-    : QScrollArea(parent), onCopy_(std::move(onCopy)), onStop_(std::move(onStop)) {
+ShareList::ShareList(QWidget* parent) : QScrollArea(parent) {
     setFrameShape(NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidgetResizable(true);
@@ -91,9 +90,7 @@ void ShareList::setShares(std::vector<ServeEntry> entries,
         while (rowsByKey_.contains(key))
             ++key.occurrence;
         const auto known = former.extract(key);
-        auto* row = known.empty()
-                        ? new ShareRowView(onCopy_, [this](const ServeEntry& e) { stopShare(e); })
-                        : known.mapped();
+        auto* row = known.empty() ? makeRow() : known.mapped();
         row->showShare(entry, managedInfo(entry, managedServers));
         rows.push_back(row);
         rowsByKey_.emplace(std::move(key), row);
@@ -121,6 +118,13 @@ void ShareList::setShares(std::vector<ServeEntry> entries,
             focusOn({index, focused->isStopButton});
     }
     updateHover();
+}
+
+ShareRowView* ShareList::makeRow() {
+    auto* row = new ShareRowView;
+    connect(row, &ShareRowView::copyRequested, this, &ShareList::copyRequested);
+    connect(row, &ShareRowView::stopRequested, this, &ShareList::stopShare);
+    return row;
 }
 
 void ShareList::arrange(const Section& section, const std::vector<ShareRowView*>& rows) {
@@ -237,14 +241,14 @@ void ShareList::keyPressEvent(QKeyEvent* event) {
 }
 
 void ShareList::stopShare(const ServeEntry& entry) {
-    const std::string port = stopPort(entry);
-    stoppingPorts_.insert(port);
+    stoppingPorts_.insert(stopPort(entry));
     markStopping();
-    onStop_(entry, [list = QPointer(this), port] {
-        if (!list) return;
-        list->stoppingPorts_.erase(port);
-        list->markStopping();
-    });
+    Q_EMIT stopRequested(entry);
+}
+
+void ShareList::finishStop(const ServeEntry& entry) {
+    stoppingPorts_.erase(stopPort(entry));
+    markStopping();
 }
 
 // A stop affects all shares of its port.

@@ -7,7 +7,6 @@
 
 #include <QScrollArea>
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -26,16 +25,20 @@ class ShareRowView;
 class ShareList : public QScrollArea {
     Q_OBJECT
 public:
-    using CopyAction = std::function<void(const QString& url)>;
-    /// Stops the entry's port and calls `finished` on the main thread when the command has ended.
-    using StopAction = std::function<void(const ServeEntry& entry, std::function<void()> finished)>;
-
-    ShareList(CopyAction onCopy, StopAction onStop, QWidget* parent = nullptr);
+    explicit ShareList(QWidget* parent = nullptr);
 
     void setShares(std::vector<ServeEntry> entries, const ManagedServers::InfoMap& managedServers);
 
+    /// Unmarks the rows of the entry's port after its stop, which `stopRequested` asked for.
+    void finishStop(const ServeEntry& entry);
+
     /// The rows from top to bottom.
     [[nodiscard]] const std::vector<ShareRowView*>& rows() const { return rows_; }
+
+Q_SIGNALS:
+    void copyRequested(const QString& url);
+    /// The rows of the entry's port are marked as being stopped until `finishStop()`.
+    void stopRequested(const brevane::ServeEntry& entry);
 
 protected:
     void scrollContentsBy(int dx, int dy) override;
@@ -73,11 +76,10 @@ private:
 
     [[nodiscard]] std::optional<Place> focusedPlace() const;
     void focusOn(Place place);
+    [[nodiscard]] ShareRowView* makeRow();
     void stopShare(const ServeEntry& entry);
     void markStopping();
 
-    CopyAction onCopy_;
-    StopAction onStop_;
     std::map<Key, ShareRowView*> rowsByKey_;
     std::vector<ShareRowView*> rows_;
     std::set<std::string> stoppingPorts_;

@@ -45,10 +45,8 @@ private:
     bool isFunnel_ = false;
 };
 
-ShareRowView::ShareRowView(std::function<void(const QString&)> onCopy,
-                           std::function<void(const ServeEntry&)> onStop, QWidget* parent)
-    : QWidget(parent), onCopy_(std::move(onCopy)), onStop_(std::move(onStop)),
-      badge_(new Badge(this)), address_(new ShareAddress(this)),
+ShareRowView::ShareRowView(QWidget* parent)
+    : QWidget(parent), badge_(new Badge(this)), address_(new ShareAddress(this)),
       detailSymbol_(new SymbolView({}, &Colors::secondary, 10, this)),
       detail_(new Label(TextStyle::caption, &Colors::secondary, {}, this)),
       copy_(new IconButton(QStringLiteral("doc.on.doc"), QStringLiteral("Copy URL"),
@@ -60,7 +58,7 @@ ShareRowView::ShareRowView(std::function<void(const QString&)> onCopy,
     detail_->setElided();
     copy_->setSymbolOpacity(0.5);
     stop_->setSymbolOpacity(0.7);
-    connect(copy_, &IconButton::clicked, this, [this] { onCopy_(url_); });
+    connect(copy_, &IconButton::clicked, this, [this] { Q_EMIT copyRequested(url_); });
     connect(stop_, &IconButton::clicked, this, &ShareRowView::confirmStop);
 
     auto* secondLine = new QHBoxLayout;
@@ -132,7 +130,7 @@ void ShareRowView::confirmStop() {
     showStopConfirm_ =
         openConfirmation(toQString(stopTitle(entry_)), toQString(stopMessage(entry_)),
                          QStringLiteral("Stop"), window(), [row = QPointer(this)] {
-                             if (row) row->onStop_(row->entry_);
+                             if (row) Q_EMIT row->stopRequested(row->entry_);
                          });
 }
 
@@ -160,7 +158,7 @@ bool ShareRowView::event(QEvent* event) {
 
 void ShareRowView::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Copy))
-        onCopy_(url_);
+        Q_EMIT copyRequested(url_);
     else
         QWidget::keyPressEvent(event);
 }

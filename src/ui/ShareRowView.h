@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QWidget>
 
-#include <functional>
 #include <optional>
 
 class QMessageBox;
@@ -23,8 +22,7 @@ class SymbolView;
 class ShareRowView : public QWidget {
     Q_OBJECT
 public:
-    ShareRowView(std::function<void(const QString& url)> onCopy,
-                 std::function<void(const ServeEntry& entry)> onStop, QWidget* parent = nullptr);
+    explicit ShareRowView(QWidget* parent = nullptr);
     ~ShareRowView() override;
 
     /// Shows the share as last read. Hover, focus and an open question stay.
@@ -39,13 +37,17 @@ public:
     void setHovered(bool on);
     [[nodiscard]] bool isHovered() const { return hovered_; }
 
-    /// Asks whether to stop the share's port; if confirmed, calls `onStop`.
+    /// Asks whether to stop the share's port; if confirmed, emits `stopRequested`.
     void confirmStop();
     /// The question while it is open, otherwise null.
     [[nodiscard]] QMessageBox* stopConfirmation() const;
 
     [[nodiscard]] IconButton* copyButton() const { return copy_; }
     [[nodiscard]] IconButton* stopButton() const { return stop_; }
+
+Q_SIGNALS:
+    void copyRequested(const QString& url);
+    void stopRequested(const brevane::ServeEntry& entry);
 
 protected:
     bool event(QEvent* event) override;
@@ -61,8 +63,6 @@ private:
 
     ServeEntry entry_{};
     QString url_;
-    std::function<void(const QString&)> onCopy_;
-    std::function<void(const ServeEntry&)> onStop_;
     bool hovered_ = false;
     bool stopping_ = false;
     Badge* badge_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "MenuBar.h"
 
+#include "AboutPanel.h"
+
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -217,6 +219,21 @@ TEST_F(MenuBarTest, CloseClosesAndMinimizeMinimizesTheActiveWindow) {
     activate(window);
     choose("Minimize");
     EXPECT_TRUE(window.isMinimized());
+}
+
+TEST_F(MenuBarTest, MinimizeLeavesTheAboutPanelAlone) {
+    AboutPanel panel(&window);
+    panel.show();
+    activate(panel);
+    choose("Minimize");
+    EXPECT_FALSE(panel.isMinimized());
+    EXPECT_FALSE(window.isMinimized());
+}
+
+TEST_F(MenuBarTest, MacOSRecognizesEditItemsByTheirTexts) {
+    for (const char* text : {"Cut", "Copy", "Paste", "Select All"})
+        EXPECT_EQ(item(text)->menuRole(), QAction::TextHeuristicRole) << text;
+    EXPECT_EQ(item("Close")->menuRole(), QAction::NoRole);
 }
 
 } // namespace brevane

@@ -67,6 +67,14 @@ void installAccessibleInterfaces() {
 }
 
 void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
+#ifdef __APPLE__
+    // Qt shows VoiceOver a list item as a text, whose buttons cannot be reached, and leaves out
+    // headings and notifications.
+    if (role == QAccessible::ListItem || role == QAccessible::Notification)
+        role = QAccessible::Grouping;
+    else if (role == QAccessible::Heading)
+        role = QAccessible::StaticText;
+#endif
     widget.setProperty(roleProperty, static_cast<int>(role));
 }
 

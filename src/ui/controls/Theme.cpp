@@ -31,13 +31,23 @@ struct Type {
     bool monospaced = false;
 };
 
+#ifdef __APPLE__ // the system's own sizes
+constexpr int headlinePixels = 13;
+constexpr int subheadlinePixels = 11;
+constexpr int captionPixels = 10;
+#else
+constexpr int headlinePixels = 15;
+constexpr int subheadlinePixels = 12;
+constexpr int captionPixels = 11;
+#endif
+
 constexpr std::array<std::pair<TextStyle, Type>, 11> types{{
-    {TextStyle::headline, {15, QFont::DemiBold}},
-    {TextStyle::subheadline, {12, QFont::DemiBold}},
+    {TextStyle::headline, {headlinePixels, QFont::DemiBold}},
+    {TextStyle::subheadline, {subheadlinePixels, QFont::DemiBold}},
     {TextStyle::body, {13, QFont::Normal}},
     {TextStyle::rowTitle, {13, QFont::Medium}},
     {TextStyle::callout, {12, QFont::Normal}},
-    {TextStyle::caption, {11, QFont::Normal}},
+    {TextStyle::caption, {captionPixels, QFont::Normal}},
     {TextStyle::section, {11, QFont::DemiBold}},
     {TextStyle::tag, {9, QFont::Bold}},
     {TextStyle::button, {13, QFont::DemiBold}},
