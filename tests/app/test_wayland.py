@@ -104,6 +104,14 @@ def test_a_share_is_added_and_the_window_closed_at_every_scale(user, compositor,
     assert user.processes() == {}
 
 
+def test_a_source_type_is_chosen_with_the_keyboard(user, compositor):
+    window = user.window(start(user, compositor))
+    # At a person's pace, in one go: each wtype is a new keyboard, and its arrival closes an open list.
+    user.ask(*"wtype -s 500 -M shift -k Tab -m shift -s 300 -k space -s 500 -k Down -s 300 -k Down -s 300 -k Return -s 300 -k Tab -s 300 hello".split())
+    field = window.field("Directory Path")
+    until("the text", lambda: field.text == "hello")
+
+
 def test_a_second_start_hands_its_activation_token_over(user, compositor):
     user.environment["WAYLAND_DEBUG"] = "1"
     start(user, compositor)
