@@ -19,7 +19,8 @@ STAND_INS = {
     # As the real one does it: what it has never heard of makes it fail beside what it prints.
     "dpkg-query": 'status=0\nshift 2\nfor name; do grep -qx "$name" "$HERE/installed" && echo "installed $name" || status=1; done\nexit $status',
     "apt-get": 'case " $* " in *" install "*) echo "$@" >>"$HERE/calls" ;; esac; exit "${APT_STATUS:-0}"',
-    "apt-cache": 'grep -qx "$2" "$HERE/known"',
+    # As in Debian 13: prints nothing, and succeeds, for a name that it only knows from others.
+    "apt-cache": 'grep -x "$2" "$HERE/known"; true',
 }
 
 
