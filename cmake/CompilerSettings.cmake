@@ -14,6 +14,9 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual
                     -Woverloaded-virtual -Wimplicit-fallthrough)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   add_compile_options(-Wthread-safety)
+else()
+  # GCC 14 reports the destructor of an empty std::optional.
+  add_compile_options(-Wno-maybe-uninitialized)
 endif()
 # One section per function, so that the linker can drop library functions that are never called.
 add_compile_options(-ffunction-sections -fdata-sections)
