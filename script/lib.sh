@@ -127,3 +127,7 @@ project_files() {
     for pattern in "$@"; do names+=(-o -name "$pattern"); done
     find . \( -path ./build -o -path ./.git -o -path ./.cache \) -prune -o -type f \( "${names[@]}" \) -print | sort
 }
+
+# is_known NAME: whether this release has the package. Some releases of apt-cache print nothing, and
+# succeed, for a name that other packages refer to.
+is_known() { [[ -n $(apt-cache show "$1" 2>/dev/null) ]]; }

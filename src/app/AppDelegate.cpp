@@ -20,7 +20,6 @@
 #include <QPixmap>
 #include <QSvgRenderer>
 
-#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -28,6 +27,7 @@ namespace brevane {
 
 namespace {
 
+constexpr QSize smallestSize(640, 500);
 constexpr auto firstFramePatience = std::chrono::milliseconds(100);
 
 /// Closing it requests the program's end, before anything that may block.
@@ -39,7 +39,7 @@ protected:
     // Long texts make the window wider than its usual minimum.
     bool event(QEvent* event) override {
         if (event->type() == QEvent::LayoutRequest)
-            setMinimumSize(std::max(640, layout()->minimumSize().width()), 500);
+            setMinimumSize(smallestSize.expandedTo({layout()->minimumSize().width(), 0}));
         return QMainWindow::event(event);
     }
     void closeEvent(QCloseEvent* event) override {
@@ -95,7 +95,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     window->setMenuBar(menuBar_.release());
 #endif
     window->setWindowTitle("Brevane");
-    window->setMinimumSize(640, 500);
+    window->setMinimumSize(smallestSize);
     window->resize(800, 640);
     centre(*window);
     QApplication::setQuitOnLastWindowClosed(applicationShouldTerminateAfterLastWindowClosed());

@@ -98,8 +98,7 @@ void ShareRowView::showShare(const ServeEntry& entry,
     describeButtons();
     detailSymbol_->setSymbol(toQString(detail.symbol));
     detail_->setPlainText(toQString(detail.text));
-    if (const QString spoken = toQString(spokenShare(entry, managed)); spoken != accessibleName())
-        setAccessibleName(spoken);
+    changeAccessibleName(*this, toQString(spokenShare(entry, managed)));
 }
 
 void ShareRowView::setStopping(bool on) {

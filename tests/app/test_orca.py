@@ -14,9 +14,9 @@ from pathlib import Path
 
 import pytest
 
-from conftest import STATUS, until
+from conftest import STATUS
 from driver import process
-from driver.waiting import TimedOut
+from driver.waiting import TimedOut, until
 
 DOCUMENT = Path(__file__).parents[2] / "docs" / "accessibility.md"
 SERVE = {
