@@ -7,12 +7,12 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 class BringLargeFile : public ::testing::Test {
 protected:
-    BringLargeFile() { test::writeFile(path_, std::string(size, 'l')); }
+    BringLargeFile() { writeFile(path_, std::string(size, 'l')); }
 
     // The file with a reported size of `byteCount`.
     [[nodiscard]] LargeFile file(std::size_t byteCount) const {
@@ -20,7 +20,7 @@ protected:
     }
 
     static constexpr std::size_t size = 3000000;
-    test::TemporaryFolder folder_;
+    TemporaryFolder folder_;
     const std::filesystem::path path_ = folder_ / "large";
 };
 
@@ -51,4 +51,4 @@ TEST_F(BringLargeFile, BringsBackWhatHasLeftTheCache) {
 #endif
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -9,7 +9,7 @@
 
 #include <system_error>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 // Listens on one loopback address, on a port picked by the system.
@@ -62,4 +62,4 @@ TEST(LoopbackPort, IsAnyFreeOneWhereNoneIsRequested) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

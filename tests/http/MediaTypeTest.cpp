@@ -6,7 +6,7 @@
 #include <map>
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(MimeType, EveryKnownExtensionHasItsTypeInUpperAndLowerCase) {
@@ -55,4 +55,4 @@ TEST(MimeType, EverythingElseIsAnOctetStream) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

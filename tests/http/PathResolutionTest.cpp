@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(ResolvedPath, LiesBelowTheRoot) {
@@ -40,4 +40,4 @@ TEST(ResolvedPath, ANulIsAnOrdinaryByteThatNoFileHas) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

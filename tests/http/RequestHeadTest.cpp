@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 std::string pathOf(std::string_view target) {
@@ -61,4 +61,4 @@ TEST(ParseRequestHead, SaysWhetherTheClientSendsMore) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

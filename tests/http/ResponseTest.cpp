@@ -6,7 +6,7 @@
 
 #include <sys/stat.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(ErrorResponse, SaysItsStatusInOneLineOfText) {
@@ -24,11 +24,11 @@ TEST(ErrorResponse, AnyOtherStatusIsAnError) {
 }
 
 TEST(FileResponse, OfAFifoThatHasTakenAFilesPlaceWaitsForNobody) {
-    const test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string fifo = folder / "fifo";
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0666), 0);
     EXPECT_EQ(fileResponse(fifo, false).body(), "403 Forbidden");
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

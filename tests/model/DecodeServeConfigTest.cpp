@@ -8,14 +8,11 @@
 #include <string>
 #include <string_view>
 
-using namespace brevane;
-
+namespace brevane::test {
 namespace {
 
 const std::string oneProxy =
     R"("Web":{"n.ts.net:443":{"Handlers":{"/":{"Proxy":"http://127.0.0.1:3000"}}}})";
-
-} // namespace
 
 TEST(DecodeServeConfig, AnEmptyObjectHasNoneOfTheMaps) {
     const auto config = decodeServeConfig("{}");
@@ -155,7 +152,7 @@ TEST(DecodeServeConfig, KeysOfRecordsAreCaseSensitive) {
 }
 
 TEST(DecodeServeConfig, UnknownMembersArePassedOver) {
-    for (const auto& [what, member] : test::oddMembers()) {
+    for (const auto& [what, member] : oddMembers()) {
         const auto config = decodeServeConfig(" {" + member + "," + oneProxy + "}\n");
         ASSERT_TRUE(config && config->Web) << what;
         EXPECT_TRUE(config->Web->contains("n.ts.net:443")) << what;
@@ -163,7 +160,7 @@ TEST(DecodeServeConfig, UnknownMembersArePassedOver) {
 }
 
 TEST(DecodeServeConfig, BadDocumentsFail) {
-    for (const auto& [what, document] : test::badDocuments(oneProxy))
+    for (const auto& [what, document] : badDocuments(oneProxy))
         EXPECT_FALSE(decodeServeConfig(document)) << what;
 }
 
@@ -173,3 +170,6 @@ TEST(DecodeServeConfig, DocumentsCutAnywhereFail) {
     for (std::size_t size = 0; size < document.size(); ++size)
         EXPECT_FALSE(decodeServeConfig(std::string_view(document).substr(0, size))) << size;
 }
+
+} // namespace
+} // namespace brevane::test

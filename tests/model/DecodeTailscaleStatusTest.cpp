@@ -9,15 +9,12 @@
 #include <string_view>
 #include <vector>
 
-using namespace brevane;
-
+namespace brevane::test {
 namespace {
 
 const std::string runningNode = R"("BackendState":"Running","Self":{"DNSName":"n.ts.net.",)"
                                 R"("TailscaleIPs":["100.64.0.1","fd7a::1"],"Online":true,)"
                                 R"("HostName":"n"})";
-
-} // namespace
 
 TEST(DecodeTailscaleStatus, OnlyBackendStateDecodesWithoutSelf) {
     const auto status = decodeTailscaleStatus(R"({"BackendState":"Running"})");
@@ -112,7 +109,7 @@ TEST(DecodeTailscaleStatus, EscapesInKeysAndTextsAreUndone) {
 }
 
 TEST(DecodeTailscaleStatus, OtherMembersArePassedOver) {
-    for (const auto& [what, member] : test::oddMembers()) {
+    for (const auto& [what, member] : oddMembers()) {
         const auto before = decodeTailscaleStatus("{" + member + "," + runningNode + "}");
         const auto after = decodeTailscaleStatus(" {" + runningNode + "," + member + "}\r\n\t ");
         ASSERT_TRUE(before && before->selfNode) << what;
@@ -131,7 +128,7 @@ TEST(DecodeTailscaleStatus, UnknownMembersOfSelfArePassedOver) {
 }
 
 TEST(DecodeTailscaleStatus, BadDocumentsFail) {
-    for (const auto& [what, document] : test::badDocuments(runningNode))
+    for (const auto& [what, document] : badDocuments(runningNode))
         EXPECT_FALSE(decodeTailscaleStatus(document)) << what;
 }
 
@@ -141,3 +138,6 @@ TEST(DecodeTailscaleStatus, DocumentsCutAnywhereFail) {
     for (std::size_t size = 0; size < document.size(); ++size)
         EXPECT_FALSE(decodeTailscaleStatus(std::string_view(document).substr(0, size))) << size;
 }
+
+} // namespace
+} // namespace brevane::test

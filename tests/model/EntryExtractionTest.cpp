@@ -9,9 +9,7 @@
 #include <string_view>
 #include <vector>
 
-using namespace brevane;
-using test::entryLines;
-
+namespace brevane::test {
 namespace {
 
 std::vector<ServeEntry> entriesOf(std::string_view document,
@@ -22,8 +20,6 @@ std::vector<ServeEntry> entriesOf(std::string_view document,
 }
 
 using Lines = std::vector<std::string>;
-
-} // namespace
 
 TEST(ExtractEntries, NoMapsGiveNoRows) {
     EXPECT_TRUE(entriesOf("{}").empty());
@@ -115,3 +111,6 @@ TEST(ExtractEntries, EveryCallGivesFreshIds) {
     ASSERT_EQ(second.size(), 1U);
     EXPECT_NE(first[0].id, second[0].id);
 }
+
+} // namespace
+} // namespace brevane::test

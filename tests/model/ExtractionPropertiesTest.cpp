@@ -15,8 +15,7 @@
 #include <utility>
 #include <vector>
 
-using namespace brevane;
-
+namespace brevane::test {
 namespace {
 
 using Names = std::vector<std::string>;
@@ -90,8 +89,6 @@ int rankOf(const ServeEntry& entry) {
     return entry.handlerType == ServeEntry::HandlerType::tcp ? 1 : 0;
 }
 
-} // namespace
-
 RC_GTEST_PROP(ExtractEntriesOfAnyConfig, ThereIsOneRowForEachHandlerAndTcpForward, ()) {
     const ServeConfigJSON config = anyConfig();
     std::size_t expected = handlersIn(config.Web);
@@ -143,7 +140,7 @@ RC_GTEST_PROP(ExtractEntriesOfAnyConfig, ASecondCallGivesTheSameRowsWithOtherIds
     const ServeConfigJSON config = anyConfig();
     const auto first = extractEntries(config, "n");
     const auto second = extractEntries(config, "n");
-    RC_ASSERT(test::entryLines(first) == test::entryLines(second));
+    RC_ASSERT(entryLines(first) == entryLines(second));
     std::set<boost::uuids::uuid> ids;
     for (const ServeEntry& entry : first)
         ids.insert(entry.id);
@@ -151,3 +148,6 @@ RC_GTEST_PROP(ExtractEntriesOfAnyConfig, ASecondCallGivesTheSameRowsWithOtherIds
         ids.insert(entry.id);
     RC_ASSERT(ids.size() == first.size() + second.size());
 }
+
+} // namespace
+} // namespace brevane::test

@@ -10,7 +10,8 @@
 #include <string>
 #include <string_view>
 
-using namespace brevane;
+namespace brevane::test {
+
 using namespace std::string_literals;
 namespace json = boost::json;
 
@@ -18,19 +19,17 @@ namespace {
 
 constexpr std::array<std::string_view, 1> wanted{"wanted"};
 
-} // namespace
-
 RC_GTEST_PROP(ParseMembers, BuildsWantedMembersAndNoOthers, ()) {
-    const std::string value = test::randomJson(4);
-    const auto members = parseMembers(R"({"first":)" + test::randomJson(4) + R"(,"wanted":)" +
-                                          value + R"(,"last":)" + test::randomJson(4) + "}",
+    const std::string value = randomJson(4);
+    const auto members = parseMembers(R"({"first":)" + randomJson(4) + R"(,"wanted":)" + value +
+                                          R"(,"last":)" + randomJson(4) + "}",
                                       wanted);
     RC_ASSERT(members.has_value());
     RC_ASSERT(*members == json::object({{"wanted", json::parse(value)}}));
 }
 
 RC_GTEST_PROP(ParseMembers, ChecksSkippedMembersAsStrictlyAsWantedOnes, ()) {
-    std::string value = test::randomJson(4);
+    std::string value = randomJson(4);
     const int changes = *rc::gen::inRange(1, 4);
     for (int i = 0; i < changes && !value.empty(); ++i) {
         const auto at = *rc::gen::inRange<std::size_t>(0, value.size());
@@ -51,3 +50,6 @@ RC_GTEST_PROP(ParseMembers, ChecksSkippedMembersAsStrictlyAsWantedOnes, ()) {
     const bool isValid = parseMembers(R"({"wanted":)" + value + "}", wanted).has_value();
     RC_ASSERT(parseMembers(R"({"skipped":)" + value + "}", wanted).has_value() == isValid);
 }
+
+} // namespace
+} // namespace brevane::test

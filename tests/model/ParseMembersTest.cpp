@@ -10,7 +10,8 @@
 #include <string_view>
 #include <vector>
 
-using namespace brevane;
+namespace brevane::test {
+
 namespace json = boost::json;
 
 namespace {
@@ -23,8 +24,6 @@ std::optional<json::object> membersOf(std::string_view document) {
     const std::vector<char> exact(document.begin(), document.end());
     return parseMembers({exact.data(), exact.size()}, wanted);
 }
-
-} // namespace
 
 TEST(ParseMembers, ReturnsTheWantedMembersOfTheOutermostObject) {
     EXPECT_EQ(membersOf("{}"), json::object());
@@ -52,17 +51,17 @@ TEST(ParseMembers, RefusesDocumentsThatAreNoObject) {
 }
 
 TEST(ParseMembers, RefusesBadDocuments) {
-    for (const auto& [what, document] : test::badDocuments(R"("a":1)"))
+    for (const auto& [what, document] : badDocuments(R"("a":1)"))
         EXPECT_FALSE(membersOf(document)) << what;
 }
 
 TEST(ParseMembers, SkipsOddMembers) {
-    for (const auto& [what, member] : test::oddMembers())
+    for (const auto& [what, member] : oddMembers())
         EXPECT_EQ(membersOf("{" + member + R"(,"a":1})"), json::parse(R"({"a":1})")) << what;
 }
 
 TEST(ParseMembers, BuildsOddValues) {
-    for (const auto& [what, member] : test::oddMembers()) {
+    for (const auto& [what, member] : oddMembers()) {
         json::parse_options deep;
         deep.max_depth = 1000;
         EXPECT_EQ(membersOf(R"({"a":{)" + member + "}}").has_value(), what != "nested 512 deep")
@@ -101,3 +100,6 @@ TEST(ParseMembers, AnExponentTooLargeToHoldFailsWhereverItStands) {
     EXPECT_FALSE(membersOf(R"({"a":1e99999999999})"));
     EXPECT_FALSE(membersOf(R"({"skipped":1e99999999999})"));
 }
+
+} // namespace
+} // namespace brevane::test

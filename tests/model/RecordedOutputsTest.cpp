@@ -17,10 +17,9 @@
 #include <string_view>
 #include <vector>
 
-using namespace brevane;
+namespace brevane::test {
+
 namespace json = boost::json;
-using test::RecordedCase;
-using test::recordedCases;
 
 namespace {
 
@@ -72,7 +71,7 @@ private:
                 std::string_view kind, std::string_view detail, bool isBackground) {
         const bool isFunnel = funnels.contains(hostPort) && funnels.at(hostPort).as_bool();
         (isFunnel ? funnelled : served)
-            .push_back(test::entryLine(isFunnel, hostPort, path, kind, detail, isBackground));
+            .push_back(entryLine(isFunnel, hostPort, path, kind, detail, isBackground));
     }
 
     Lines served;
@@ -84,7 +83,7 @@ constexpr std::string_view dnsName = "host.tail-scale.ts.net";
 Lines rowsOf(std::string_view document) {
     const auto config = decodeServeConfig(document);
     EXPECT_TRUE(config);
-    return config ? test::entryLines(extractEntries(*config, dnsName)) : Lines{"undecodable"};
+    return config ? entryLines(extractEntries(*config, dnsName)) : Lines{"undecodable"};
 }
 
 Lines walkedRowsOf(std::string_view document) {
@@ -107,8 +106,6 @@ Lines backendStatesOf(std::string_view group) {
         states.push_back(status.BackendState);
     return states;
 }
-
-} // namespace
 
 TEST(RecordedOutputs, AreThoseOfTwoVersions) {
     EXPECT_EQ(recordedCases().size(), 428U);
@@ -259,3 +256,6 @@ TEST(MissingCommand, LeavesTheShellsOwnMessageWhichDecodesToNothing) {
     EXPECT_FALSE(decodeTailscaleStatus(output));
     EXPECT_FALSE(decodeServeConfig(output));
 }
+
+} // namespace
+} // namespace brevane::test

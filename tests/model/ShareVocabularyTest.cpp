@@ -10,7 +10,8 @@
 #include <thread>
 #include <vector>
 
-using namespace brevane;
+namespace brevane::test {
+namespace {
 
 TEST(ServeMode, IsMadeFromItsExactTextOnly) {
     EXPECT_EQ(fromRawValue<ServeMode>("Serve"), ServeMode::serve);
@@ -79,3 +80,6 @@ TEST(MakeEntryId, IsARandomUuidNeverDrawnTwiceOnAnyThread) {
         }
     EXPECT_EQ(distinct.size(), 20000U);
 }
+
+} // namespace
+} // namespace brevane::test

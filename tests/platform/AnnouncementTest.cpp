@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 static_assert(!std::is_copy_constructible_v<Subscription>);
@@ -121,4 +121,4 @@ TEST(Announcement, CanBeMadeAgainByAnObserver) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -15,7 +15,7 @@
 #include <csignal>
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 // Another process of ours that runs a child. The child opens a named pipe when it is ready; the
@@ -49,7 +49,7 @@ protected:
         if ((end.revents & POLLHUP) == 0) kill(process_, SIGKILL);
     }
 
-    test::TemporaryFolder folder_;
+    TemporaryFolder folder_;
     std::string namedPipe_ = folder_ / "ready";
     pid_t parent_ = -1;
     int reading_ = -1;
@@ -75,4 +75,4 @@ TEST_F(ChildOfAKilledProcess, TakesWhatItHasStartedWithIt) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -23,7 +23,7 @@
 #include <system_error>
 #include <thread>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
@@ -34,7 +34,7 @@ TEST(ChildProcess, GivesAnErrorWhereDescriptorsHaveRunOut) {
     for (int left = 0; left < 4; ++left) {
         Result result;
         {
-            const test::DescriptorLimit limit(lowest + left);
+            const DescriptorLimit limit(lowest + left);
             result = child({"exit", "0"}).run(interrupt);
         }
         ASSERT_FALSE(result) << left;
@@ -86,7 +86,7 @@ TEST(ChildProcess, ReportsThatItsDescriptorsHaveRunOut) {
         Result result;
         {
             const StandardDescriptorsClosed closed;
-            const test::DescriptorLimit few(limit);
+            const DescriptorLimit few(limit);
             result = child({"exit", "5"}).run(interrupt);
         }
         if (result) {
@@ -157,4 +157,4 @@ TEST(ChildProcessWithoutExitDescriptors, IsInterruptedAllTheSame) {
 #endif
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -18,7 +18,7 @@
 #include <thread>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(ChildProcess, GivesBothOutputsApart) {
@@ -121,7 +121,7 @@ TEST(ChildProcess, ThatIsMissingGivesAnError) {
 
 TEST(ChildProcess, ThatMayNotBeExecutedGivesAnError) {
     const Interrupt interrupt;
-    const test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     std::ofstream(folder / "plain") << "text";
     ChildProcess refused = child({});
     refused.executable = folder / "plain";
@@ -164,4 +164,4 @@ TEST(ChildProcess, CanBeRunFromManyThreadsAtOnce) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

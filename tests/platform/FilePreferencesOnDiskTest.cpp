@@ -25,7 +25,7 @@
 #include <system_error>
 #include <thread>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 using FilePreferencesOnDisk = PreferencesFile;
@@ -254,4 +254,4 @@ TEST_F(FilePreferencesOnDisk, HoldTheOldOrTheNewRecordAfter200Kills) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -14,7 +14,7 @@
 #include <system_error>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 using FilePreferencesTest = PreferencesFile;
@@ -173,7 +173,7 @@ TEST(DefaultFile, IsInTheHomeDirectoryWhereNoAbsoluteFolderIsNamed) {
 
 TEST(UserPreferences, AreInTheDefaultFile) {
     const ConfigHome restored;
-    const test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
     const std::unique_ptr<Preferences> preferences = makeUserPreferences();
     EXPECT_EQ(preferences->dictionary(key), Dictionary());
@@ -182,4 +182,4 @@ TEST(UserPreferences, AreInTheDefaultFile) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

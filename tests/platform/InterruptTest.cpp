@@ -14,7 +14,7 @@
 #include <future>
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 // A child that opens a named pipe when it is ready; the pipe reaches end of file when the child is
@@ -47,7 +47,7 @@ protected:
         EXPECT_EQ(read(reading, byte.data(), byte.size()), 0);
     }
 
-    test::TemporaryFolder folder;
+    TemporaryFolder folder;
     std::string namedPipe = folder / "ready";
     Interrupt interrupt;
     std::future<Result> running;
@@ -117,4 +117,4 @@ TEST(Interrupt, CanBeRaisedAnyNumberOfTimes) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

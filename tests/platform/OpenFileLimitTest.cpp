@@ -9,12 +9,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 // In a forked process, since raising the limit cannot be undone.
 TEST(OpenFileLimit, IsRaisedToTheHardOneForUsAndNotForChildren) {
-    const test::DescriptorLimit before(100);
+    const DescriptorLimit before(100);
     const pid_t program = fork();
     if (program == 0) {
         raiseOpenFileLimit();
@@ -30,4 +30,4 @@ TEST(OpenFileLimit, IsRaisedToTheHardOneForUsAndNotForChildren) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

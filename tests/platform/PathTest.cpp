@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(StandardizedPath, ResolvesDotSegments) {
@@ -114,4 +114,4 @@ TEST(PathExtension, IsEmptyWhereThereIsNone) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

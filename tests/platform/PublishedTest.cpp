@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(Published, StartsWithTheGivenOrTheDefaultValue) {
@@ -50,4 +50,4 @@ TEST(Published, TakesValuesThatCanOnlyBeMoved) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 // Waits until everything posted before has run.
@@ -155,4 +155,4 @@ TEST(SerialQueue, CanBeDestroyedWithTheTaskThatHoldsIt) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 // Encodes any number up to 0x1FFFFF in the layout of UTF-8, even if it is not a character.
@@ -131,4 +131,4 @@ TEST(Utf8FromLatin1, GivesUtf8ForEveryByte) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

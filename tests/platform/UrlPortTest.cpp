@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 constexpr std::optional<std::int64_t> none;
@@ -75,4 +75,4 @@ TEST(ExplicitPort, IsAbsentWhereItIsAbsurdlyLong) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -11,7 +11,7 @@
 
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(HomeDirectory, ComesFromTheUserDatabase) {
@@ -20,7 +20,7 @@ TEST(HomeDirectory, ComesFromTheUserDatabase) {
 
 TEST(HomeDirectory, IsKeptForWhenThereIsNoDescriptorToAskWith) {
     const std::string before = homeDirectory();
-    const test::DescriptorLimit limit(0);
+    const DescriptorLimit limit(0);
     EXPECT_EQ(homeDirectory(), before);
 }
 
@@ -33,4 +33,4 @@ TEST(HomeDirectory, DoesNotAskTheEnvironment) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

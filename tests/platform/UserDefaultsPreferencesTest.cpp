@@ -10,7 +10,7 @@
 #include <system_error>
 #include <utility>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 using Dictionary = Preferences::Dictionary;
@@ -194,4 +194,4 @@ TEST_F(UserDefaultsPreferencesTest, StoresThousandsOfRecords) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

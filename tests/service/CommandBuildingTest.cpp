@@ -7,7 +7,7 @@
 
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 std::string add(ServeMode mode, SourceType type, const std::string& source,
@@ -91,4 +91,4 @@ TEST(BuildPortServeCommand, EndsInTheDecimalPort) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

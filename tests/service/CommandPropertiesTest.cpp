@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 RC_GTEST_PROP(BuildAddCommand, IsTheHeadThenTheTargetForEveryInput,
@@ -44,7 +44,7 @@ RC_GTEST_PROP(BuildPortServeCommand, SharesItsHeadWithTheOtherCommands,
 
 // The first argument that the shell passes on, for each text.
 std::vector<std::string> throughZsh(const std::vector<std::string>& texts) {
-    const test::TemporaryFolder folder;
+    const TemporaryFolder folder;
     std::string line;
     for (const std::string& text : texts)
         line += "printf '%s\\0' " + shellQuote(text) + ";";
@@ -79,4 +79,4 @@ TEST(ShellQuote, WhatZshHandsOnOfAQuotedTextIsTheText) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -7,7 +7,7 @@
 
 #include <cstdlib>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 class CommandRunnerTest : public testing::Test {
@@ -89,4 +89,4 @@ TEST_F(CommandRunnerTest, AfterAnInterruptNoCommandIsStarted) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

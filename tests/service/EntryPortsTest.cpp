@@ -3,11 +3,11 @@
 
 #include "ServiceTest.h"
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 std::string stopPortOf(const std::string& hostPort) {
-    return stopPort(test::proxyEntry(hostPort, ""));
+    return stopPort(proxyEntry(hostPort, ""));
 }
 
 TEST(StopPort, IsWhatFollowsTheLastColon) {
@@ -31,13 +31,13 @@ TEST(StopPort, Is443WhereThereIsNothingToSplit) {
 }
 
 TEST(ProxiedPort, IsTheExplicitPortOfAProxyTarget) {
-    EXPECT_EQ(proxiedPort(test::proxyEntry("h:443", "http://127.0.0.1:49231")), 49231);
-    EXPECT_EQ(proxiedPort(test::proxyEntry("h:443", "http://localhost/")), std::nullopt);
-    EXPECT_EQ(proxiedPort(test::proxyEntry("h:443", "")), std::nullopt);
+    EXPECT_EQ(proxiedPort(proxyEntry("h:443", "http://127.0.0.1:49231")), 49231);
+    EXPECT_EQ(proxiedPort(proxyEntry("h:443", "http://localhost/")), std::nullopt);
+    EXPECT_EQ(proxiedPort(proxyEntry("h:443", "")), std::nullopt);
 }
 
 TEST(ProxiedPort, IsNoneForEveryOtherKindOfEntry) {
-    auto entry = test::proxyEntry("h:443", "http://127.0.0.1:49231");
+    auto entry = proxyEntry("h:443", "http://127.0.0.1:49231");
     for (const auto type : {ServeEntry::HandlerType::filePath, ServeEntry::HandlerType::text,
                             ServeEntry::HandlerType::tcp}) {
         entry.handlerType = type;
@@ -46,4 +46,4 @@ TEST(ProxiedPort, IsNoneForEveryOtherKindOfEntry) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(ShellQuote, LeavesAPlainWordAlone) {
@@ -31,4 +31,4 @@ TEST(ShellQuote, LeavesEveryOtherSpecialCharacterToTheShell) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(FormTexts, FieldLabelOfEverySource) {
@@ -90,4 +90,4 @@ TEST(FormTexts, AFailedStopWithEmptyOutputShowsTheFixedMessage) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

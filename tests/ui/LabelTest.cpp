@@ -7,7 +7,7 @@
 
 #include <QApplication>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 const QString words = "Tailnet only: private to the people who share a network with this machine";
@@ -57,4 +57,4 @@ TEST(OnOneLine, ShowsBeginningAndEndOfATextLongerThanAnyWindow) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

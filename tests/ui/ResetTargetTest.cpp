@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(ResetTarget, TextsOfAll) {
@@ -28,4 +28,4 @@ TEST(ResetTarget, TextsOfFunnels) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

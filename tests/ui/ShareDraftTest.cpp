@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 constexpr auto host = "h.tail.ts.net";
@@ -148,4 +148,4 @@ TEST(CanStart, EveryOtherSourceMayBeBlanks) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

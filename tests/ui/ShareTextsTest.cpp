@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 using HandlerType = ServeEntry::HandlerType;
@@ -107,4 +107,4 @@ TEST(StopQuestion, NamesThePortAndWhatStopsWithIt) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

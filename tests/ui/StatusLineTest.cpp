@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 TEST(StatusLine, ConnectedWithNeitherNameNorAddressSaysConnected) {
@@ -27,4 +27,4 @@ TEST(StatusLine, NotConnectedShowsNeitherNameNorAddress) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test

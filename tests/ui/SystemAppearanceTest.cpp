@@ -16,6 +16,7 @@
 #include <functional>
 
 namespace brevane::test {
+namespace {
 
 struct AccentColor {
     double red = 0, green = 0, blue = 0;
@@ -151,6 +152,7 @@ TEST_F(SystemAppearanceTest, IsTheUsualOneWithoutAPortal) {
     EXPECT_EQ(appearance.look(), Look());
 }
 
+} // namespace
 } // namespace brevane::test
 
 #include "SystemAppearanceTest.moc"

@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-namespace brevane {
+namespace brevane::test {
 
 using namespace std::chrono_literals;
 
@@ -14,8 +14,6 @@ namespace {
 std::string ownName() {
     return "brevane-test-" + std::to_string(getpid());
 }
-
-} // namespace
 
 TEST(DoorbellSocket, WhoRingsCanBeAnswered) {
     DoorbellSocket listener(ownName());
@@ -54,4 +52,5 @@ TEST(DoorbellSocket, ANameThatIsTakenCannotBeHadAgainUntilItIsFree) {
     EXPECT_GE(DoorbellSocket(ownName()).descriptor(), 0);
 }
 
-} // namespace brevane
+} // namespace
+} // namespace brevane::test

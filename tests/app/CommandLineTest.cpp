@@ -5,15 +5,12 @@
 
 #include <vector>
 
-namespace brevane {
-
+namespace brevane::test {
 namespace {
 
 std::optional<CommandLineAnswer> answer(const std::vector<std::string_view>& arguments) {
     return answerCommandLine(arguments);
 }
-
-} // namespace
 
 TEST(AnswerCommandLine, WithoutArgumentsTheWindowOpens) {
     EXPECT_FALSE(answer({}));
@@ -53,4 +50,5 @@ TEST(AnswerCommandLine, TheSessionManagersPairIsLetThrough) {
     EXPECT_EQ(answer({"-session"})->status, 2);
 }
 
-} // namespace brevane
+} // namespace
+} // namespace brevane::test

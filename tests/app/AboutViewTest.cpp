@@ -18,8 +18,7 @@
 #include <QKeyEvent>
 #include <QLayout>
 
-namespace brevane {
-
+namespace brevane::test {
 namespace {
 
 QStringList texts(const QWidget& view) {
@@ -62,8 +61,6 @@ public:
 public Q_SLOTS:
     void open(const QUrl& url) { opened.append(url); }
 };
-
-} // namespace
 
 TEST(AppVersion, IsTheOneOfTheBuild) {
     EXPECT_EQ(appVersion(shortVersionString()), toQString(buildVersion()));
@@ -119,6 +116,7 @@ TEST(AboutPanel, GrowsWithTheFontSoThatNothingIsCut) {
     }
 }
 
-} // namespace brevane
+} // namespace
+} // namespace brevane::test
 
-#include "AboutViewTests.moc"
+#include "AboutViewTest.moc"

@@ -13,7 +13,8 @@
 #include <memory>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
+namespace {
 
 TEST(QtMainQueue, RunsTasksInTheOrderOfPostingAndNeverBeforePostReturns) {
     QtMainQueue queue;
@@ -97,4 +98,5 @@ TEST(QtMainQueue, WhatStillWaitsAtItsEndIsDropped) {
     EXPECT_FALSE(ran);
 }
 
-} // namespace brevane
+} // namespace
+} // namespace brevane::test

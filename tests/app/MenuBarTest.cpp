@@ -27,7 +27,8 @@
 #include <string>
 #include <vector>
 
-namespace brevane {
+namespace brevane::test {
+namespace {
 
 class MenuBarTest : public testing::Test {
 protected:
@@ -236,4 +237,5 @@ TEST_F(MenuBarTest, MacOSRecognizesEditItemsByTheirTexts) {
     EXPECT_EQ(item("Close")->menuRole(), QAction::NoRole);
 }
 
-} // namespace brevane
+} // namespace
+} // namespace brevane::test

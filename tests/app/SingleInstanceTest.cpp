@@ -15,7 +15,8 @@
 #include <string>
 #include <thread>
 
-namespace brevane {
+namespace brevane::test {
+namespace {
 
 using Claim = SingleInstance::Claim;
 
@@ -43,7 +44,7 @@ protected:
         return claim;
     }
 
-    test::TemporaryFolder parent;
+    TemporaryFolder parent;
 };
 
 TEST_F(SingleInstanceTest, WithoutARuntimeFolderTheFirstMakesTheFolderForItsOwnerAlone) {
@@ -164,4 +165,5 @@ TEST_F(SingleInstanceTest, AFolderThatCannotBeMadeKeepsNobodyOut) {
     EXPECT_EQ(instance.claim(), Claim::first);
 }
 
-} // namespace brevane
+} // namespace
+} // namespace brevane::test

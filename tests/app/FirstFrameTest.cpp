@@ -10,7 +10,7 @@
 
 #include <memory>
 
-namespace brevane {
+namespace brevane::test {
 namespace {
 
 using namespace std::chrono_literals;
@@ -65,4 +65,4 @@ TEST(FirstFrame, OfAWindowThatHasGoneCallsNothing) {
 }
 
 } // namespace
-} // namespace brevane
+} // namespace brevane::test
