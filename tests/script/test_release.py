@@ -55,6 +55,13 @@ def test_behind_a_tag_the_commits_are_counted(repository):
     assert repository.run("version") == (0, "0.2.0.2\n")
 
 
+def test_the_checkout_may_belong_to_someone_else(repository, monkeypatch):
+    # As in a container, whose root did not make it.
+    repository.git("tag", "v0.2.0")
+    monkeypatch.setenv("GIT_TEST_ASSUME_DIFFERENT_OWNER", "1")
+    assert repository.run("version") == (0, "0.2.0\n")
+
+
 def test_other_tags_do_not_count(repository):
     repository.git("tag", "nightly")
     assert repository.run("version") == (0, "0.1.0\n")
