@@ -18,6 +18,9 @@ if [[ $(locale charmap 2>/dev/null) != UTF-8 ]]; then
     if on_a_mac; then export LC_ALL=en_US.UTF-8; else export LC_ALL=C.UTF-8; fi
 fi
 
+# Bash itself continues after Ctrl-C if the running command handles it and succeeds, as apt-get does.
+trap 'trap - INT; kill -INT $$' INT
+
 # git refuses a checkout that belongs to someone else, as in a container with its own root. Whoever runs
 # its scripts trusts it.
 export GIT_CONFIG_COUNT=1 GIT_CONFIG_KEY_0=safe.directory GIT_CONFIG_VALUE_0=$project_root

@@ -3,6 +3,7 @@
 
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
 from pathlib import Path
@@ -51,6 +52,7 @@ class Debian:
         result = subprocess.run(
             [self.project / "script/bootstrap", *words],
             user=user, env=environment, stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=60,
+            start_new_session=True,
         )
         return result.returncode, result.stdout + result.stderr
 
@@ -119,6 +121,15 @@ def test_whoever_may_not_install_is_told_what_root_has_to_run(known, command):
         assert "needs root or sudo" in words
         assert command in words
         assert debian.asked_for() == []
+
+
+def test_ctrl_c_ends_it_even_if_apt_get_finishes_what_it_has_begun(debian):
+    # Where packages are being unpacked, apt-get stops behind them and exits with 0.
+    apt_get = debian.folder / "bin/apt-get"
+    apt_get.write_text("#!/bin/sh\necho $2 >>$HERE/calls\ntrap : INT\nkill -INT 0\nexit 0\n")
+    status, words = debian.bootstrap("format")
+    assert status == -signal.SIGINT, words
+    assert len(debian.asked_for()) == 1
 
 
 def test_a_failure_of_apt_get_is_told(debian):
