@@ -23,7 +23,9 @@ void Label::setElided() {
 }
 
 void Label::setPlainText(const QString& newText) {
-    if (newText != text()) setText(newText);
+    if (newText == text()) return;
+    heights_.clear();
+    setText(newText);
 }
 
 void Label::setColor(ColorRole color) {
@@ -45,6 +47,12 @@ QSize Label::minimumSizeHint() const {
     return elided_ ? QSize(0, fontMetrics().height()) : QLabel::minimumSizeHint();
 }
 
+int Label::heightForWidth(int width) const {
+    const auto [height, isNew] = heights_.try_emplace(width);
+    if (isNew) height->second = QLabel::heightForWidth(width);
+    return height->second;
+}
+
 void Label::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setPen(theme().color(color_));
@@ -62,9 +70,20 @@ void Label::paintEvent(QPaintEvent*) {
 }
 
 bool Label::event(QEvent* event) {
-    // Set only on demand, since measuring whether a text is elided is slow.
-    if (event->type() == QEvent::ToolTip && elided_)
-        setToolTip(shownText() == onOneLine(text()) ? QString() : plainToolTip(text()));
+    switch (event->type()) {
+    case QEvent::ToolTip:
+        // Set only on demand, since measuring whether a text is elided is slow.
+        if (elided_)
+            setToolTip(shownText() == onOneLine(text()) ? QString() : plainToolTip(text()));
+        break;
+    case QEvent::FontChange:
+    case QEvent::StyleChange:
+    case QEvent::ContentsRectChange:
+        heights_.clear();
+        break;
+    default:
+        break;
+    }
     return QLabel::event(event);
 }
 

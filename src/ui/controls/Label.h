@@ -5,6 +5,8 @@
 
 #include <QLabel>
 
+#include <map>
+
 namespace brevane {
 
 /// Plain text in one of the theme's styles and colours, which it follows. Wraps, or is elided in
@@ -28,6 +30,7 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] int heightForWidth(int width) const override;
 
 protected:
     /// The width at an elided label's trailing side that the text leaves free.
@@ -40,6 +43,9 @@ private:
     TextStyle style_;
     ColorRole color_;
     bool elided_ = false;
+    /// By width. A layout asks for the same heights several times, and breaking lines is slow: it
+    /// would be a twelfth of the work before the first frame.
+    mutable std::map<int, int> heights_;
 };
 
 } // namespace brevane
