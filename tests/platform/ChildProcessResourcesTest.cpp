@@ -16,6 +16,7 @@
 #endif
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstddef>
@@ -106,6 +107,47 @@ TEST(ChildProcess, GivesAnErrorWhereOurProgramHasItsChildrenReaped) {
     const Result result = child({"exit", "0"}).run(interrupt);
     signal(SIGCHLD, before);
     EXPECT_EQ(result.error(), std::errc::no_child_process);
+}
+
+// Interrupts the blocking calls of the thread that it is constructed on, which then return EINTR,
+// as often as it can.
+class Interruptions {
+public:
+    Interruptions() {
+        struct sigaction action {};
+        action.sa_handler = [](int) {};
+        sigaction(SIGUSR1, &action, &before_);
+        sender_ = std::thread([this, thread = pthread_self()] {
+            while (!ended_)
+                pthread_kill(thread, SIGUSR1);
+        });
+    }
+    ~Interruptions() {
+        ended_ = true;
+        sender_.join();
+        sigaction(SIGUSR1, &before_, nullptr);
+    }
+    Interruptions(const Interruptions&) = delete;
+    Interruptions& operator=(const Interruptions&) = delete;
+
+private:
+    struct sigaction before_ {};
+    std::atomic<bool> ended_ = false;
+    std::thread sender_;
+};
+
+TEST(ChildProcess, IsStartedAndSeenToItsEndThoughSignalsInterruptUs) {
+    const Interrupt interrupt;
+    const Interruptions interruptions;
+    for (int i = 0; i < 100; ++i) {
+        const Result ended = child({"exit", "5"}).run(interrupt);
+        ASSERT_TRUE(ended);
+        EXPECT_EQ(ended->status, 5);
+        const ChildProcess missing{.executable = "/missing", .arguments = {}, .environment = {}};
+        const Result failed = missing.run(interrupt);
+        ASSERT_FALSE(failed);
+        EXPECT_EQ(failed.error(), std::errc::no_such_file_or_directory);
+    }
 }
 
 TEST(ChildProcess, LeaksNoDescriptorAndNoZombieOver1000Runs) {
