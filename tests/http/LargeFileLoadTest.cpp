@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "LargeFile.h"
 #include "TemporaryFolder.h"
+#ifdef __linux__
+#include "WithoutSystemCall.h"
+#endif
 
 #include <gtest/gtest.h>
 
@@ -40,13 +43,30 @@ TEST_F(BringLargeFile, FailsWhereTheFileWasCutShort) {
 }
 
 #ifdef __linux__
+void evict(const LargeFile& file) {
+    ASSERT_EQ(::fsync(file.descriptor()), 0);
+    ASSERT_EQ(::posix_fadvise(file.descriptor(), 0, 0, POSIX_FADV_DONTNEED), 0);
+}
+
 TEST_F(BringLargeFile, BringsBackWhatHasLeftTheCache) {
     const LargeFile whole = file(size);
-    ASSERT_EQ(::fsync(whole.descriptor()), 0);
-    ASSERT_EQ(::posix_fadvise(whole.descriptor(), 0, 0, POSIX_FADV_DONTNEED), 0);
+    evict(whole);
     if (whole.isCached(0, size)) GTEST_SKIP() << "this file system has no other place";
     ASSERT_TRUE(whole.bring(1000000, 500000));
     EXPECT_TRUE(whole.isCached(1000000, 500000));
+}
+
+TEST_F(BringLargeFile, IsSeenInTheCacheBeforeLinux6_5Too) {
+    constexpr std::uint32_t cachestat = 451;
+    const LargeFile whole = file(size);
+    evict(whole);
+    const bool isCached = whole.isCached(0, size);
+    runWithoutSystemCall(cachestat, [&] {
+        EXPECT_EQ(whole.isCached(0, size), isCached);
+        ASSERT_TRUE(whole.bring(0, size));
+        EXPECT_TRUE(whole.isCached(0, size));
+        EXPECT_TRUE(whole.isCached(size - 1, 1));
+    });
 }
 #endif
 

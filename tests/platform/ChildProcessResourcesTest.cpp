@@ -3,15 +3,15 @@
 
 #include "ChildProgram.h"
 #include "DescriptorLimit.h"
+#ifdef __linux__
+#include "WithoutSystemCall.h"
+#endif
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
 #ifdef __linux__
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
 #include <sys/syscall.h>
 #endif
 
@@ -161,20 +161,9 @@ TEST(ChildProcess, LeaksNoDescriptorAndNoZombieOver1000Runs) {
 }
 
 #ifdef __linux__
-// Runs `task` on a thread where pidfd_open fails, as before Linux 5.3.
+// As before Linux 5.3.
 void runWithoutExitDescriptors(const std::function<void()>& task) {
-    std::array<sock_filter, 4> filter{{
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_pidfd_open, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOSYS),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    }};
-    const sock_fprog program{.len = filter.size(), .filter = filter.data()};
-    std::thread([&] {
-        ASSERT_EQ(prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0), 0);
-        ASSERT_EQ(prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program), 0);
-        task();
-    }).join();
+    runWithoutSystemCall(SYS_pidfd_open, task);
 }
 
 TEST(ChildProcessWithoutExitDescriptors, IsSeenToItsEndAllTheSame) {
