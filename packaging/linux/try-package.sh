@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # Usage: try-package.sh ROOT PACKAGE
 #
-# Installs a package in the file system of a fresh Debian, starts the program on $DISPLAY, removes
-# the package again and sees whether anything of it is left. Called by mmdebstrap, with the rights of
-# that system's root.
+# Installs an older version of a package in the file system of a fresh Debian, opens the window on
+# $DISPLAY, upgrades while it is open, opens it again as a menu does, removes the package and checks that
+# the user's record is all that is left. Called by mmdebstrap, with the rights of that system's root.
 
 set -euo pipefail
 
@@ -16,22 +16,42 @@ files() {
         -o -path ./var/lib/dpkg -o -path ./var/lib/apt -o -path ./var/cache -o -path ./var/log \) -prune -o -print) | sort
 }
 
-inside() { chroot "$root" env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 "$@"; }
+inside=(chroot "$root" env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8
+    XDG_CONFIG_HOME=/tmp/trial XDG_RUNTIME_DIR=/tmp/trial DISPLAY="$DISPLAY")
+apt_get() { "${inside[@]}" apt-get -q -y --no-install-recommends "$@"; }
+
+# await_window: prints the identifier of the window as soon as it is visible.
+await_window() { timeout 60 xdotool search --sync --onlyvisible --name '^Brevane$'; }
 
 cp "$package" "$root/tmp/brevane.deb"
-inside apt-get -q -y satisfy --no-install-recommends "$(dpkg-deb --field "$package" Depends)"
-files >"$root/tmp/before"
-inside apt-get -q -y install --no-install-recommends /tmp/brevane.deb
+dpkg-deb --raw-extract "$package" "$root/tmp/older"
+sed -i 's/^Version: .*/Version: 0~older/' "$root/tmp/older/DEBIAN/control"
+dpkg-deb --build "$root/tmp/older" "$root/tmp/older.deb"
+record=$root/tmp/trial/brevane/preferences.json
+mkdir -m 700 "$root/tmp/trial" "${record%/*}"
+echo '{"kept": 1}' >"$record"
 
-inside brevane --version
-mkdir -m 700 "$root/tmp/trial"
-# Not by the function, so that what can be ended is the program itself.
-chroot "$root" env XDG_CONFIG_HOME=/tmp/trial XDG_RUNTIME_DIR=/tmp/trial LC_ALL=C.UTF-8 DISPLAY="$DISPLAY" brevane &
+# gio starts a desktop file as a menu does.
+apt_get satisfy "$(dpkg-deb --field "$package" Depends), libglib2.0-bin"
+files >"$root/tmp/before"
+apt_get install /tmp/older.deb
+"${inside[@]}" brevane &
 program=$!
-timeout 60 xdotool search --sync --onlyvisible --name '^Brevane$' >/dev/null
+await_window
+
+apt_get install /tmp/brevane.deb
+[[ $("${inside[@]}" brevane --version) == *"$(dpkg-deb --field "$package" Version)"* ]]
+# The new version finds the window of the older one.
+"${inside[@]}" timeout 20 brevane
 kill -TERM $program
 wait $program
 
-inside apt-get -q -y purge brevane
+"${inside[@]}" gio launch /usr/share/applications/com.brevane.brevane.desktop
+program=$(xdotool getwindowpid "$(await_window)")
+kill -TERM "$program"
+while [[ -e /proc/$program/exe ]]; do sleep 0.1; done
+
+apt_get purge brevane
 files >"$root/tmp/after"
 diff "$root/tmp/before" "$root/tmp/after"
+[[ $(<"$record") == '{"kept": 1}' ]]
