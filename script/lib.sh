@@ -25,6 +25,9 @@ trap 'trap - INT; kill -INT $$' INT
 # its scripts trusts it.
 export GIT_CONFIG_COUNT=1 GIT_CONFIG_KEY_0=safe.directory GIT_CONFIG_VALUE_0=$project_root
 
+# Nothing is kept outside the project's folder.
+export PIP_NO_CACHE_DIR=1
+
 # say WORDS: prints a progress message on standard error.
 say() { printf '%s %s\n' '==>' "$*" >&2; }
 
@@ -63,8 +66,9 @@ use_go() {
     export GOTOOLCHAIN=local GOFLAGS="-buildvcs=false -modcacherw ${GOFLAGS:-}"
     go_is_new_enough go && return
     go_is_new_enough "$own/bin/go" || return 1
-    # The project's own Go keeps its downloads and caches in the project's folder too.
+    # The project's own Go keeps its downloads, caches and counters in the project's folder too.
     export PATH=$own/bin:$PATH GOROOT=$own GOPATH=$project_root/build/go GOCACHE=$project_root/build/go/cache
+    export TEST_TELEMETRY_DIR=$project_root/build/go/telemetry
 }
 
 # go_is_new_enough GO: whether this executable exists and is at least version required_go.
