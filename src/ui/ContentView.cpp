@@ -16,6 +16,7 @@
 #include "ToastBar.h"
 
 #include <QClipboard>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QScrollArea>
@@ -196,9 +197,15 @@ void ContentView::redraw() {
         errorBanner_->setError(error ? shownText(*error) : QString());
     }
     if (std::exchange(entriesChanged_, false)) {
+        const auto rowsBefore = list_->rows().size();
         list_->setShares(service_.entries.get(), service_.managedServerInfo.get());
         list_->setVisible(!service_.entries->empty());
         emptyState_->setVisible(service_.entries->empty());
+        if (list_->rows().size() > rowsBefore) {
+            // Qt would compare every new widget with every row to find out what to paint of it.
+            QCoreApplication::removePostedEvents(nullptr, QEvent::UpdateLater);
+            window()->update();
+        }
     }
     form_->setHost(service_.dnsName.get());
 }
