@@ -57,6 +57,29 @@ TEST_F(HangingFolder, DoesNotStopOtherShares) {
     EXPECT_EQ(get("/a.txt"), textFileAnswer("a"));
 }
 
+TEST_F(HangingFolder, DoesNotStopOtherSharesThoughASecondOneHangsToo) {
+    const TemporaryFolder intact;
+    writeFile(intact / "a.txt", "intact");
+    writeFile(other / "held.txt", "also held");
+    FileHTTPServer second(other.path.native(), pool());
+    FileHTTPServer third(intact.path.native(), pool());
+    ASSERT_TRUE(second.startListener(0));
+    ASSERT_TRUE(third.startListener(0));
+    Gate gate(root / "held.txt", Gate::Held::openings);
+    Gate otherGate(other / "held.txt", Gate::Held::openings);
+    Client client(server.port);
+    client.send("GET /held.txt HTTP/1.1\r\n\r\n");
+    gate.waitForOne();
+    Client otherClient(second.port);
+    otherClient.send("GET /held.txt HTTP/1.1\r\n\r\n");
+    otherGate.waitForOne();
+    EXPECT_EQ(getFrom(third, "/a.txt"), textFileAnswer("intact"));
+    gate.open();
+    otherGate.open();
+    EXPECT_EQ(client.receiveAll(), textFileAnswer("held"));
+    EXPECT_EQ(otherClient.receiveAll(), textFileAnswer("also held"));
+}
+
 TEST_F(HangingFolder, DoesNotStopItsOwnOtherRequestsWhileSevenHang) {
     Gate gate(root / "held.txt", Gate::Held::openings);
     auto clients = clientsThatAsk("/held.txt", 7);
