@@ -5,6 +5,7 @@
 #include <boost/json/value_stack.hpp>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -92,6 +93,11 @@ public:
         return scalarEnded(error);
     }
     bool on_double(double number, json::string_view, Error& error) {
+        // Since Boost 1.83 the parser itself takes an exponent of any size.
+        if (std::isinf(number)) {
+            error = json::error::exponent_overflow;
+            return false;
+        }
         if (isBuilding_) stack_.push_double(number);
         return scalarEnded(error);
     }

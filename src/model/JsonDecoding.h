@@ -18,8 +18,7 @@ namespace brevane {
 /// Parses a document that must be one JSON object (RFC 8259) in UTF-8, nested at most 512 deep, and
 /// returns the members whose keys are in `wanted`. The others are validated but not built: a large
 /// status document consists almost entirely of peers. If a key is repeated, its last value counts.
-/// Returns nullopt for any other document and for any number whose exponent does not fit in 32
-/// bits.
+/// Returns nullopt for any other document and for any number too large for a double.
 [[nodiscard]] std::optional<boost::json::object>
 parseMembers(std::string_view document, std::span<const std::string_view> wanted);
 

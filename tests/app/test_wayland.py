@@ -127,8 +127,9 @@ def test_signals_are_a_quit(user, compositor, number):
     assert user.processes() == {}
 
 
-def test_a_compositor_that_goes_away_is_an_end_with_status_1(user, compositor):
+def test_a_compositor_that_goes_away_is_a_failure(user, compositor):
     child = start(user, compositor)
     process.end(compositor.server)
-    assert child.wait(10) == 1
+    # Qt 6.8 ends the process itself, with -1.
+    assert child.wait(10) in (1, 255)
     assert user.processes() == {}

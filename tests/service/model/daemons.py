@@ -24,7 +24,9 @@ class StandIn:
     funnel_ports = None
 
     def __init__(self, command, folder):
-        self.command = self.shell = command
+        # Command lines contain the path unquoted, and that of the project's folder may have blanks.
+        self.command = self.shell = str(folder / "tailscale")
+        os.symlink(command, self.command)
         self.file = folder / "daemon.json"
         self.node = self.accounts[0]
         self.write({"node": self.node, "state": "Running", "fails": False, "delay": 0, "configs": {}})
