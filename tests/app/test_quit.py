@@ -33,7 +33,7 @@ def test_signals_are_a_quit(user, number):
 
 
 def test_a_signal_that_was_ignored_from_the_start_stays_ignored(user):
-    child = process.start("sh", "-c", f"trap '' HUP; exec {user.program}", env=user.environment)
+    child = process.start("sh", "-c", "trap '' HUP; exec \"$0\"", user.program, env=user.environment)
     until("the window", lambda: user.windows("Brevane", child.pid))
     child.send_signal(signal.SIGHUP)
     assert user.launch().wait(30) == 0
