@@ -23,8 +23,8 @@ ROOT = Path(__file__).parents[2]
 sys.path[:0] = [str(ROOT / "tests" / "app"), str(ROOT / "tests" / "e2e")]
 
 import conftest  # noqa: E402
-from driver.desktop import Desktop  # noqa: E402
 from driver.waiting import until  # noqa: E402
+from driver.x11 import X11Desktop  # noqa: E402
 
 INTERVAL = 0.01
 SHORTEST = 3.0  # seconds of each measure
@@ -181,7 +181,7 @@ class Measures:
 def main(program, names):
     known = ("idle", "downloads", "output", "documents", "shells", "flushes")
     folder = tempfile.mkdtemp(prefix="brevane-ping-")
-    with Desktop(folder) as desktop:
+    with X11Desktop(folder) as desktop:
         for name in [word.removeprefix("ping.") for word in names] or known:
             own = Path(tempfile.mkdtemp(prefix="user-", dir=folder))
             measures = Measures(conftest.User(program, desktop, own))

@@ -9,6 +9,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 import uuid
 from contextlib import suppress
 from pathlib import Path
@@ -18,9 +19,10 @@ import pytest
 sys.path.insert(0, str(Path(__file__).parents[1] / "e2e"))
 
 from driver import accessibility, process  # noqa: E402
-from driver.desktop import Desktop  # noqa: E402
 from driver.waiting import until  # noqa: E402
+from driver.wayland import WaylandDesktop  # noqa: E402
 from driver.window import Window  # noqa: E402
+from driver.x11 import X11Desktop  # noqa: E402
 
 STATUS = {"BackendState": "Running", "Self": {"DNSName": "host.example.ts.net.", "TailscaleIPs": ["100.64.0.1"], "HostName": "host"}}
 
@@ -43,12 +45,25 @@ def connected(port):
 
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program, built for the tailscale of this folder")
+    parser.addoption("--screen", choices=["x11", "wayland"], default="x11")
+
+
+def pytest_configure(config):
+    config.addinivalue_line("markers", "x11: what only an X server or a window manager can do")
+
+
+def pytest_collection_modifyitems(config, items):
+    if config.getoption("--screen") == "wayland":
+        chosen = [item for item in items if not item.get_closest_marker("x11")]
+        config.hook.pytest_deselected(items=[item for item in items if item not in chosen])
+        items[:] = chosen
 
 
 @pytest.fixture(scope="session")
-def desktop():
+def desktop(pytestconfig):
+    kind = WaylandDesktop if pytestconfig.getoption("--screen") == "wayland" else X11Desktop
     folder = tempfile.mkdtemp(prefix="brevane-app-")
-    with Desktop(folder) as running:
+    with kind(folder) as running:
         yield running
     shutil.rmtree(folder, ignore_errors=True)
 
@@ -123,16 +138,21 @@ class User:
 
     def key(self, *combinations):
         """Presses keys in the focused window."""
-        for combination in combinations:
-            self.xdotool("key", combination)
+        self.desktop.key(*combinations)
+
+    def open_menu(self, letter):
+        """Opens a menu at a person's pace. With assistive technology, Qt sends each key over the bus before handling it, but
+        opens a menu at once: an Alt that arrives after its letter closes the menu again."""
+        for act, key in (self.desktop.hold, "alt"), (self.key, letter), (self.desktop.release, "alt"):
+            act(key)
+            time.sleep(0.3)
 
     def windows(self, title, pid):
-        """The windows on the screen with this title, by their X11 identifiers."""
-        found = self.xdotool("search", "--onlyvisible", "--all", "--pid", pid, "--name", f"^{title}$")
-        return [int(window) for window in found.split()]
+        """The identifiers of the windows on the screen with this title."""
+        return self.desktop.windows(pid, title)
 
     def active_title(self):
-        return self.xdotool("getactivewindow", "getwindowname").strip()
+        return self.desktop.active_title()
 
     def xdotool(self, *words):
         return self.ask("xdotool", *words)

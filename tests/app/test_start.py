@@ -43,6 +43,7 @@ def properties(user, window):
     return user.ask("xprop", "-id", window)
 
 
+@pytest.mark.x11
 def test_the_window_is_centred_with_its_title_and_sizes(user, desktop):
     (window,) = user.windows("Brevane", user.start().pid)
     shown = properties(user, window)
@@ -55,6 +56,7 @@ def test_the_window_is_centred_with_its_title_and_sizes(user, desktop):
     assert abs(int(place["Y"]) + 320 - screen_height / 2) <= 30
 
 
+@pytest.mark.x11
 def test_desktop_file_and_window_class_agree_and_the_window_has_an_icon(user):
     (window,) = user.windows("Brevane", user.start().pid)
     shown = properties(user, window)
@@ -67,7 +69,7 @@ def test_desktop_file_and_window_class_agree_and_the_window_has_an_icon(user):
 def test_the_source_can_be_typed_at_once(user):
     child = user.start()
     until("the window to be active", lambda: user.active_title() == "Brevane")
-    user.xdotool("type", "3000")
+    user.desktop.type("3000")
     field = user.window(child).field("Port or URL")
     until("the text", lambda: field.text == "3000")
 
@@ -85,6 +87,7 @@ def test_without_tailscale_the_window_opens_all_the_same(user):
     user.start()
 
 
+@pytest.mark.x11
 def test_a_second_start_raises_the_first_ones_window_and_ends(user, desktop):
     first = user.start()
     other = desktop.start("xmessage", "-title", "Other", "in front")
@@ -95,6 +98,7 @@ def test_a_second_start_raises_the_first_ones_window_and_ends(user, desktop):
     process.end(other)
 
 
+@pytest.mark.x11
 def test_a_second_start_brings_a_minimized_window_back(user):
     first = user.start()
     user.xdotool("windowminimize", *user.windows("Brevane", first.pid))

@@ -8,14 +8,16 @@ from pathlib import Path
 import pytest
 
 from driver.application import Application
-from driver.desktop import Desktop
 from driver.tailnet import Tailnet
+from driver.wayland import WaylandDesktop
+from driver.x11 import X11Desktop
 
 
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program under test")
     parser.addoption("--tailscale", required=True, help="DIR/host/tailscale, the command that it was built for")
     parser.addoption("--hung-disk", help="a program that mounts a file system that hangs; needs root")
+    parser.addoption("--screen", choices=["x11", "wayland"], default="x11")
     parser.addoption("--tailnet-programs", required=True, help="folder of tailnet, tailscale and tailscaled")
 
 
@@ -27,9 +29,10 @@ def tailnet(pytestconfig):
 
 
 @pytest.fixture(scope="session")
-def desktop():
+def desktop(pytestconfig):
+    kind = WaylandDesktop if pytestconfig.getoption("--screen") == "wayland" else X11Desktop
     folder = tempfile.mkdtemp(prefix="brevane-e2e-")
-    with Desktop(folder) as running:
+    with kind(folder) as running:
         yield running
     shutil.rmtree(folder, ignore_errors=True)
 

@@ -14,8 +14,8 @@ import tempfile
 from pathlib import Path
 
 from driver.application import Application
-from driver.desktop import Desktop
 from driver.tailnet import Tailnet
+from driver.x11 import X11Desktop
 
 GREETING = "Hello from a folder shared with Brevane.\n"
 
@@ -45,7 +45,7 @@ class Tour:
         self.next("Starting a tailnet of two devices on this machine")
         with Tailnet(tailnet_programs, tailscale.parent.parent) as tailnet:
             self.next("Starting a screen without a monitor")
-            with Desktop(temporary) as desktop:
+            with X11Desktop(temporary) as desktop:
                 self.visit(Application(program, desktop), desktop, tailnet, folder)
 
     def visit(self, application, desktop, tailnet, folder):

@@ -19,7 +19,7 @@ sys.path[:0] = [str(TESTS / "app"), str(TESTS / "e2e")]
 
 from conftest import User  # noqa: E402
 from driver import process  # noqa: E402
-from driver.desktop import Desktop  # noqa: E402
+from driver.x11 import X11Desktop  # noqa: E402
 
 from actions import Actions  # noqa: E402
 from portal import Portal  # noqa: E402
@@ -85,7 +85,7 @@ class Monkey:
         self.slowest = 0
         desktop_folder = folder / "desktop"
         desktop_folder.mkdir(parents=True)
-        self.desktop = Desktop(desktop_folder)
+        self.desktop = X11Desktop(desktop_folder)
         (desktop_folder / "config" / "openbox").mkdir()
         (desktop_folder / "config" / "openbox" / "rc.xml").write_text(WINDOW_MANAGER)
         self.desktop.__enter__()

@@ -26,5 +26,19 @@ TEST_F(AccessibilityTest, NoWidgetHasAChildPastItsLast) {
     EXPECT_GT(asked, 50);
 }
 
+TEST_F(AccessibilityTest, AMenuIsTheChildOfItsButton) {
+    QAccessibleInterface* more = QAccessible::queryAccessibleInterface(button("Reset Shares"));
+    ASSERT_EQ(more->childCount(), 1);
+    QAccessibleInterface* menu = more->child(0);
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->role(), QAccessible::PopupMenu);
+    EXPECT_EQ(more->indexOfChild(menu), 0);
+    EXPECT_TRUE(menu->state().invisible);
+    press("Reset Shares");
+    EXPECT_FALSE(menu->state().invisible);
+    ASSERT_EQ(menu->childCount(), 3);
+    EXPECT_EQ(menu->child(0)->text(QAccessible::Name), "Reset All Serves");
+}
+
 } // namespace
 } // namespace brevane::test

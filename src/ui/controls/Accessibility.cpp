@@ -2,6 +2,7 @@
 #include "Accessibility.h"
 
 #include <QAccessibleWidget>
+#include <QMenu>
 #include <QToolButton>
 #include <QVariant>
 #include <QWidget>
@@ -13,7 +14,8 @@ namespace {
 constexpr auto roleProperty = "brevaneAccessibleRole";
 
 /// A tool button whose press action does not block: Qt's runs the menu in a nested event loop and
-/// replies to the screen reader only when the menu closes.
+/// replies to the screen reader only when the menu closes. Its menu is its child, where
+/// Qt's leaves an open menu out of the tree.
 class ToolButtonInterface : public QAccessibleWidget {
 public:
     explicit ToolButtonInterface(QToolButton* button)
@@ -27,6 +29,18 @@ public:
         QAccessible::State state = QAccessibleWidget::state();
         state.hasPopup = button_->menu() != nullptr;
         return state;
+    }
+
+    int childCount() const override { return button_->menu() ? 1 : 0; }
+
+    QAccessibleInterface* child(int index) const override {
+        return index == 0 && button_->menu()
+                   ? QAccessible::queryAccessibleInterface(button_->menu())
+                   : nullptr;
+    }
+
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        return button_->menu() && child->object() == button_->menu() ? 0 : -1;
     }
 
     QStringList actionNames() const override {

@@ -48,6 +48,7 @@ class Application:
         self.launch()
         root = until("the program to appear", lambda: self.alive() and accessibility.application(self.child.pid))
         self.window = Window(root, self.desktop)
+        until("the window on the screen", lambda: self.alive() and self.desktop.windows(self.child.pid))
         self.window.await_idle()
         return self.window
 

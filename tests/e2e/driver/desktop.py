@@ -13,7 +13,7 @@ KEPT = ("PATH", "HOME", "USER", "LOGNAME", "SHELL", "TMPDIR", "ASAN_OPTIONS", "U
 
 
 class Desktop:
-    """An X server without a monitor, a window manager, a message bus and the accessibility service.
+    """A message bus and the accessibility service. X11Desktop and WaylandDesktop add the screen.
 
     One per driver process: the accessibility library stays connected to the first bus.
     """
@@ -29,8 +29,6 @@ class Desktop:
             "XDG_CONFIG_HOME": str(self.folder / "config"),
             "XDG_CACHE_HOME": str(self.folder / "cache"),
             "XDG_DATA_HOME": str(self.folder / "data"),
-            "XDG_SESSION_TYPE": "x11",
-            "QT_QPA_PLATFORM": "xcb",
             "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1",
             # Qt warns of AT-SPI features that it does not know.
             "QT_LOGGING_RULES": "qt.accessibility.atspi.warning=false",
@@ -38,11 +36,8 @@ class Desktop:
 
     def __enter__(self):
         try:
-            self.environment["DISPLAY"] = ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset")
-            until("the screen", lambda: self.answers("xdotool", "getdisplaygeometry"))
+            self.start_screen()
             self.environment["DBUS_SESSION_BUS_ADDRESS"] = self.announced("dbus-daemon", "--session", "--nofork", "--print-address={fd}")
-            self.start("openbox", "--sm-disable")
-            until("the window manager", lambda: self.answers("xdotool", "get_num_desktops"))
             # The accessibility library finds its bus through these.
             os.environ.update(self.environment)
             self.await_accessibility()
@@ -84,6 +79,11 @@ class Desktop:
         self.assert_whole()
         return subprocess.run(question, env=self.environment, capture_output=True).returncode == 0
 
+    def ask(self, *command):
+        """What a command prints; empty if it fails."""
+        words = [str(word) for word in command]
+        return subprocess.run(words, env=self.environment, capture_output=True, text=True, timeout=60).stdout
+
     def await_accessibility(self):
         """Waits for the registry, which misses programs that start before it."""
         asks = ("dbus-send", "--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus.GetAddress")
@@ -91,19 +91,3 @@ class Desktop:
         from . import accessibility
 
         until("the accessibility registry", accessibility.is_ready)
-
-    def key(self, combination):
-        """Presses keys, such as "Home" or "ctrl+w", in the focused window."""
-        subprocess.run(["xdotool", "key", combination], env=self.environment, check=True)
-
-    def windows(self, pid):
-        """The number of a program's visible windows, including menus."""
-        asks = ["xdotool", "search", "--onlyvisible", "--pid", str(pid)]
-        return len(subprocess.run(asks, env=self.environment, capture_output=True, text=True).stdout.split())
-
-    def clipboard(self):
-        asks = ["xclip", "-out", "-selection", "clipboard"]
-        return subprocess.run(asks, env=self.environment, check=True, capture_output=True, text=True, timeout=30).stdout
-
-    def screenshot(self, path):
-        subprocess.run(["scrot", "--overwrite", str(path)], env=self.environment, check=True, stdin=subprocess.DEVNULL)

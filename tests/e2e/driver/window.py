@@ -62,12 +62,17 @@ class Window:
         """Chooses a source type from the drop-down list."""
         box = until("the choice of source types", lambda: self.frame.find(role="combo box"))
         box.press()
-        until("the list to drop down", lambda: all(item.showing for item in box.all(role="list item")))
-        self.desktop.key("Home")
-        for _ in range(list(FIELDS).index(kind)):
-            self.desktop.key("Down")
+        until("the list to drop down", lambda: box.find(role="list item"))
+        self.move("Home", box, next(iter(FIELDS)))
+        for item in list(FIELDS)[1 : list(FIELDS).index(kind) + 1]:
+            self.move("Down", box, item)
         self.desktop.key("Return")
         self.field(FIELDS[kind])
+
+    def move(self, key, choice, item):
+        """Presses a key, and waits until it has moved the focus to this item. Keys in faster succession than any person's get lost."""
+        self.desktop.key(key)
+        until(f"{item} to be focused", lambda: any(found.has("focused") for found in choice.all(item)))
 
     def preview(self):
         return self.frame.await_one("Preview", TEXT).text
@@ -139,10 +144,11 @@ class Window:
 
     def reset(self, item, answer="Reset"):
         """Chooses a reset from the menu and answers the confirmation."""
-        self.frame.await_one("Reset Shares").press()
-        until("the menu to open", lambda: self.desktop.windows(self.application.pid) > 1)
-        for _ in range(RESETS.index(item) + 1):
-            self.desktop.key("Down")
+        button = self.frame.await_one("Reset Shares")
+        button.press()
+        until("the menu to open", lambda: button.find(item, "menu item"))
+        for choice in RESETS[: RESETS.index(item) + 1]:
+            self.move("Down", button, choice)
         self.desktop.key("Return")
         self.answer(answer)
 
