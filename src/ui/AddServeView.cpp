@@ -327,7 +327,7 @@ void AddServeView::layOut() {
     auto* content = new QWidget;
     auto* form = new QVBoxLayout(content);
     form->setContentsMargins(Theme::formPadding, Theme::formPadding, Theme::formPadding,
-                             Theme::near);
+                             Theme::tight);
     form->setSpacing(Theme::apart);
     form->addWidget(modeDescription_);
     for (auto* section : {static_cast<QWidget*>(typeSection), makeSourceSection(), pathSection_,

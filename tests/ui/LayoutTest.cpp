@@ -13,8 +13,13 @@
 
 #include <QImage>
 #include <QMenu>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSplitter>
 #include <QTextEdit>
+
+#include <algorithm>
+#include <tuple>
 
 namespace brevane::test {
 namespace {
@@ -103,6 +108,33 @@ TEST_F(LayoutTest, TheListGivesWayLast) {
     EXPECT_EQ(widths(700), std::pair(400, 299));
     EXPECT_EQ(widths(640), std::pair(359, 280));
     EXPECT_EQ(widths(800), std::pair(459, 340));
+}
+
+TEST_F(LayoutTest, AtTheFirstSizeTheFormIsShownWhole) {
+    QApplication::setFont(QFont("Inter", 10));
+    service->dnsName.set("heron.alder-finch.ts.net");
+    for (const char* mode : {"Serve", "Funnel"}) {
+        press(mode);
+        for (const auto& [type, field, source] :
+             {std::tuple(SourceType::port, "Port or URL", "http://127.0.0.1:3000/api"),
+              std::tuple(SourceType::file, "File Path", "/home/mira/Papers/report.pdf"),
+              std::tuple(SourceType::directory, "Directory Path", "/home/mira/site/"),
+              std::tuple(SourceType::httpsInsecure, "Local HTTPS Port", "8443"),
+              std::tuple(SourceType::text, "Text Content", "Hello, World!"),
+              std::tuple(SourceType::tcpForward, "Local Port", "22")}) {
+            // Three lines of text or preview more than a funnel's longer description leaves room
+            // for.
+            if (mode == std::string("Funnel") &&
+                (type == SourceType::file || type == SourceType::text))
+                continue;
+            const auto index = std::ranges::find(allSourceTypes, type) - allSourceTypes.begin();
+            find<PopUp>("Source Type")->setCurrentIndex(static_cast<int>(index));
+            find<QLineEdit>(field)->setText(source);
+            settle();
+            const auto* area = view->findChild<AddServeView*>()->findChild<QScrollArea*>();
+            EXPECT_EQ(area->verticalScrollBar()->maximum(), 0) << mode << " " << field;
+        }
+    }
 }
 
 TEST_F(LayoutTest, TheEmptyStateStandsInTheMiddleOfItsPlace) {

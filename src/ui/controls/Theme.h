@@ -47,7 +47,7 @@ public:
     static constexpr int formPadding = 20;
     static constexpr int tight = 4;  ///< between the lines of one thing
     static constexpr int near = 8;   ///< between things that belong together
-    static constexpr int apart = 16; ///< between groups
+    static constexpr int apart = 14; ///< between groups
     static constexpr int cornerRadius = 6;
 
     explicit Theme(Scheme scheme = Scheme::system);
