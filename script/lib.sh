@@ -64,11 +64,12 @@ required_go() { awk '$1 == "go" { print $2 }' "$project_root/tools/tailnet/go.mo
 use_go() {
     local own=$project_root/build/tools/go
     export GOTOOLCHAIN=local GOFLAGS="-buildvcs=false -modcacherw ${GOFLAGS:-}"
+    # For Go's counters, which otherwise stay in the home folder.
+    export TEST_TELEMETRY_DIR=$project_root/build/go/telemetry
     go_is_new_enough go && return
     go_is_new_enough "$own/bin/go" || return 1
-    # The project's own Go keeps its downloads, caches and counters in the project's folder too.
+    # The project's own Go keeps its downloads and caches in the project's folder too.
     export PATH=$own/bin:$PATH GOROOT=$own GOPATH=$project_root/build/go GOCACHE=$project_root/build/go/cache
-    export TEST_TELEMETRY_DIR=$project_root/build/go/telemetry
 }
 
 # go_is_new_enough GO: whether this executable exists and is at least version required_go.
