@@ -48,6 +48,14 @@ protected:
         for (const QPoint corner :
              {QPoint(0, 0), QPoint(right, 0), QPoint(0, bottom), QPoint(right, bottom)})
             EXPECT_EQ(image.pixelColor(corner).alpha(), 0);
+        // Without a compositing manager an X server paints what is transparent black.
+        EXPECT_FALSE(popUp.mask().isEmpty());
+        for (int y = 0; y <= bottom; ++y)
+            for (int x = 0; x <= right; ++x) {
+                const int alpha = image.pixelColor(x, y).alpha();
+                if (alpha > 0 && alpha < 255) continue;
+                ASSERT_EQ(popUp.mask().contains(QPoint(x, y)), alpha == 255) << x << " " << y;
+            }
         const QColor edge = image.pixelColor(image.width() / 2, 0);
         EXPECT_NE(edge, image.pixelColor(image.width() / 2, 2));
         EXPECT_EQ(image.pixelColor(image.width() / 2, bottom), edge);

@@ -6,9 +6,14 @@
 #include "Theme.h"
 
 #include <QAction>
+#include <QImage>
 #include <QMenu>
 #include <QPainter>
 #include <QStyleOption>
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
 
 namespace brevane {
 
@@ -48,6 +53,22 @@ void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item) {
 void drawMenuGround(QPainter& painter, const QStyleOption& option) {
     const Colors& c = theme().colors();
     drawRoundedBox(painter, option.rect, Theme::cornerRadius, c.popup, c.popupEdge);
+}
+
+QRegion menuShape(const QSize& size) {
+    QImage drawing(size, QImage::Format_Alpha8);
+    drawing.fill(0);
+    QPainter painter(&drawing);
+    drawRoundedBox(painter, drawing.rect(), Theme::cornerRadius, Qt::black, Qt::black);
+    painter.end();
+    QRegion shape;
+    for (int y = 0; y < drawing.height(); ++y) {
+        const std::span line(drawing.constScanLine(y), static_cast<std::size_t>(drawing.width()));
+        const auto first = std::ranges::find_if(line, [](uchar alpha) { return alpha > 0; });
+        const int clear = static_cast<int>(first - line.begin());
+        shape += QRect(clear, y, drawing.width() - 2 * clear, 1);
+    }
+    return shape;
 }
 
 void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWidget* menu) {

@@ -3,6 +3,8 @@
 
 class QObject;
 class QPainter;
+class QRegion;
+class QSize;
 class QStyleOption;
 class QStyleOptionMenuItem;
 class QWidget;
@@ -18,6 +20,9 @@ void drawMenuTitle(QPainter& painter, const QStyleOptionMenuItem& item);
 
 /// Background and edge of an open menu.
 void drawMenuGround(QPainter& painter, const QStyleOption& option);
+
+/// The pixels that drawMenuGround() paints in a menu of this size.
+[[nodiscard]] QRegion menuShape(const QSize& size);
 
 /// One item of an open menu, or a separator.
 void drawMenuItem(QPainter& painter, const QStyleOptionMenuItem& item, const QWidget* menu);

@@ -160,6 +160,13 @@ int Style::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* 
     switch (hint) {
     case SH_ComboBox_Popup:
         return 1;
+    // An X server without a compositing manager shows what is transparent as black.
+    case SH_Menu_Mask:
+        if (auto* mask = qstyleoption_cast<QStyleHintReturnMask*>(result)) {
+            mask->region = menuShape(option->rect.size());
+            return 1;
+        }
+        return 0;
     case SH_EtchDisabledText:
         return 0;
     case SH_UnderlineShortcut:
