@@ -28,9 +28,9 @@ set(CMAKE_CXX_COMPILER_RANLIB ${CMAKE_RANLIB} CACHE FILEPATH "" FORCE)
 
 # zig brings a static libc++ and therefore disables the availability annotations in libc++'s headers. Enabled
 # again, they make it an error to use what the libc++ of macOS 13.0 lacks.
-set(CMAKE_CXX_FLAGS_INIT "-U_LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS -Werror=unguarded-availability-new -F${CMAKE_CURRENT_LIST_DIR}/frameworks")
+set(CMAKE_CXX_FLAGS_INIT "-U_LIBCPP_HAS_NO_VENDOR_AVAILABILITY_ANNOTATIONS -Werror=unguarded-availability-new -F\"${CMAKE_CURRENT_LIST_DIR}/frameworks\"")
 # Links only the system's libc++, by a list of the symbols in it.
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ ${CMAKE_CURRENT_LIST_DIR}/libc++.tbd")
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-nostdlib++ \"${CMAKE_CURRENT_LIST_DIR}/libc++.tbd\"")
 
 # moc asks no cross-compiler what it defines.
 set(CMAKE_AUTOMOC_MOC_OPTIONS -D__APPLE__)

@@ -56,6 +56,8 @@ QMessageBox* openConfirmation(const QString& title, const QString& message,
     setAccessibleRole(*box, QAccessible::Dialog);
     box->setAccessibleName(title);
     box->setWindowTitle(QStringLiteral("Brevane"));
+    box->setBackgroundRole(QPalette::Base); // the colour of menus
+    box->setAutoFillBackground(true);
     box->setTextFormat(Qt::PlainText);
     box->setText(title);
     box->setInformativeText(message);

@@ -232,6 +232,7 @@ TEST_F(FormErrorTest, AToastNeitherHidesItNorMovesTheStartButton) {
         EXPECT_EQ(button("Start Serve")->visibleRegion().boundingRect(),
                   button("Start Serve")->rect());
         ASSERT_TRUE(until([&] { return !shows("URL copied!"); }));
+        settle();
         EXPECT_EQ(startButton(), before);
     }
 }

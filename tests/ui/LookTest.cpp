@@ -11,6 +11,7 @@
 
 #include <QAbstractItemView>
 #include <QImage>
+#include <QLabel>
 #include <QMenu>
 #include <QScreen>
 #include <QScrollArea>
@@ -438,6 +439,21 @@ TEST_F(LookTest, TheWindowRepaintsWhenTheDesktopTurnsDark) {
     const QRgb dark = view->grab().toImage().pixel(5, 5);
     EXPECT_EQ(light, Colors::light().pane.rgb());
     EXPECT_EQ(dark, Colors::dark().pane.rgb());
+}
+
+// Behind a question, a dark desktop darkens the window no further.
+TEST_F(LookTest, AQuestionStandsOnTheBackgroundOfAMenuAndCanBeRead) {
+    open({800, 614});
+    row(0)->confirmStop();
+    for (const bool dark : {true, false}) {
+        const_cast<Theme&>(theme()).setDark(dark);
+        settle();
+        const QRgb ground = dialog()->grab().toImage().pixel(5, 5);
+        EXPECT_EQ(ground, theme().colors().popup.rgb());
+        for (const auto* label : dialog()->findChildren<QLabel*>())
+            EXPECT_GE(contrast(label->palette().color(QPalette::WindowText).rgb(), ground), 4.5)
+                << label->text().toStdString();
+    }
 }
 
 TEST_F(LookTest, NothingIsClippedInTheUsualWindow) {
