@@ -326,8 +326,8 @@ void AddServeView::layOut() {
 
     auto* content = new QWidget;
     auto* form = new QVBoxLayout(content);
-    form->setContentsMargins(Theme::formPadding, Theme::formPadding, Theme::formPadding,
-                             Theme::tight);
+    constexpr int bottom = Theme::tight;
+    form->setContentsMargins(Theme::formPadding, Theme::formPadding, Theme::formPadding, bottom);
     form->setSpacing(Theme::apart);
     form->addWidget(modeDescription_);
     for (auto* section : {static_cast<QWidget*>(typeSection), makeSourceSection(), pathSection_,
