@@ -83,6 +83,9 @@ TEST_F(RecordTest, WhatIsForgottenBeforeTheRecordCouldBeReadStaysForgotten) {
     servePrints("nothing readable");
     service->stopEntry(proxyEntry("h:443", "http://127.0.0.1:49231"), completion());
     waitForOutcome();
+    // The refresh that follows the stop must not find the place empty for a moment.
+    refresh();
+    EXPECT_TRUE(service->waitForRecord(std::chrono::minutes(1)));
     fs::remove(file);
     fileHoldsFolder(49231);
     refresh();
