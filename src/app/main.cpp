@@ -133,8 +133,10 @@ int main(int argc, char** argv) {
 #else
     // A Wayland compositor lets a window come to the front only with a token of what the user did.
     constexpr auto activationToken = "XDG_ACTIVATION_TOKEN";
+    QByteArray token = qgetenv(activationToken);
+    if (token.isEmpty()) token = qgetenv("DESKTOP_STARTUP_ID"); // GNOME Shell sets only this
     SingleInstance instance(FilePreferences::defaultFile().parent_path());
-    switch (instance.claim(qgetenv(activationToken).toStdString())) {
+    switch (instance.claim(token.toStdString())) {
     case SingleInstance::Claim::otherAsked:
         return EXIT_SUCCESS;
     case SingleInstance::Claim::noAnswer:
@@ -145,8 +147,9 @@ int main(int argc, char** argv) {
     }
     avoidSilentBuses();
     return run(argc, argv, [&](AppDelegate& delegate) {
-        instance.onRaise([&](const std::string& token) {
-            if (!token.empty()) qputenv(activationToken, token.c_str()); // Qt takes it from there
+        instance.onRaise([&](const std::string& handedOver) {
+            if (!handedOver.empty())
+                qputenv(activationToken, handedOver.c_str()); // Qt takes it from there
             delegate.activate();
         });
     });

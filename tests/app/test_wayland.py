@@ -52,10 +52,11 @@ def test_a_source_type_is_chosen_with_the_keyboard(user, desktop):
     until("the text", lambda: field.text == "hello")
 
 
-def test_a_second_start_hands_its_activation_token_over(user):
+@pytest.mark.parametrize("variable", ["XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"])
+def test_a_second_start_hands_its_activation_token_over(user, variable):
     user.environment["WAYLAND_DEBUG"] = "1"
     user.start()
-    assert user.launch(environment=user.environment | {"XDG_ACTIVATION_TOKEN": "token-1"}).wait(10) == 0
+    assert user.launch(environment=user.environment | {variable: "token-1"}).wait(10) == 0
     until("the window to be activated", lambda: '.activate("token-1", ' in (user.folder / "program.log").read_text())
 
 

@@ -112,6 +112,11 @@ TEST_F(SystemAppearanceTest, FollowsThePortalAlsoWhileRunning) {
     changeScheme(2);
     ASSERT_TRUE(until([&] { return !appearance.look().isDark; }));
     EXPECT_EQ(changes, before + 1);
+    changeScheme(1);
+    ASSERT_TRUE(until([&] { return appearance.look().isDark; }));
+    // GNOME has no preference for light: switching dark off withdraws it.
+    changeScheme(0);
+    ASSERT_TRUE(until([&] { return !appearance.look().isDark; }));
 }
 
 TEST_F(SystemAppearanceTest, FollowsContrastAndAnimationsToo) {

@@ -84,7 +84,7 @@ QDBusMessage readSettings(bool mayStartPortal) {
 } // namespace
 
 SystemAppearance::SystemAppearance(QObject* parent)
-    : QObject(parent), look_{.isDark = isPaletteDark()} {
+    : QObject(parent), look_{.isDark = isPaletteDark()}, isDarkWithoutPreference_(look_.isDark) {
     // Connecting to the bus takes a while; the window is created meanwhile.
     asking_ = std::async(std::launch::async, [this] { askPortal(); });
 }
@@ -137,7 +137,8 @@ void SystemAppearance::take(const Settings& settings) {
     };
     read(appearance, "color-scheme", [&](const QVariant& scheme) {
         enum { noPreference, preferDark };
-        if (scheme.toUInt() != noPreference) look.isDark = scheme.toUInt() == preferDark;
+        look.isDark = scheme.toUInt() == noPreference ? isDarkWithoutPreference_
+                                                      : scheme.toUInt() == preferDark;
     });
     read(appearance, "contrast",
          [&](const QVariant& contrast) { look.hasHighContrast = contrast.toUInt() == 1; });

@@ -49,6 +49,9 @@ private:
     void setLook(const Look& look);
 
     Look look_;
+#ifndef __APPLE__
+    bool isDarkWithoutPreference_; ///< as the platform's theme was at the start
+#endif
 };
 
 } // namespace brevane
