@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Usage: try-package.sh ROOT PACKAGE
 #
-# Installs an older version of a package in the file system of a fresh Debian, opens the window on
+# Installs an older version of a package in the file system of a fresh system, opens the window on
 # $DISPLAY, upgrades while it is open, opens it again as a menu does, removes the package and checks that
 # the user's record is all that is left. Called by mmdebstrap, with the rights of that system's root.
 
