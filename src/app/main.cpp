@@ -138,6 +138,8 @@ int main(int argc, char** argv) {
     SingleInstance instance(FilePreferences::defaultFile().parent_path());
     switch (instance.claim(token.toStdString())) {
     case SingleInstance::Claim::otherAsked:
+        // Without a token, some compositors leave the window where it is.
+        std::fputs("brevane: it is running already, in another window\n", stderr);
         return EXIT_SUCCESS;
     case SingleInstance::Claim::noAnswer:
         std::fputs("brevane: it is running already, but does not answer\n", stderr);

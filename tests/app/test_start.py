@@ -107,6 +107,14 @@ def test_a_second_start_brings_a_minimized_window_back(user):
     until("the window to come back", lambda: user.windows("Brevane", first.pid))
 
 
+def test_a_second_start_says_that_there_is_a_window(user):
+    """Not every compositor lets the window come to the front for a start from a terminal."""
+    first = user.start()
+    assert user.launch().wait(30) == 0
+    assert (user.folder / "program.log").read_text() == "brevane: it is running already, in another window\n"
+    assert process.end(first) == 0
+
+
 def test_of_several_that_start_at_once_one_stays(user):
     for _ in range(5):
         children = [user.launch() for _ in range(4)]

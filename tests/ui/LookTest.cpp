@@ -376,6 +376,18 @@ TEST_F(LookTest, TheDesktopsAccentColourMarksWhatIsSelectedAndStaysLegible) {
                        Colors::light().blueFill.rgb()));
 }
 
+TEST_F(LookTest, TextTakesTheFontThatTheDesktopAsksFor) {
+    open({800, 614});
+    auto* box = find<QCheckBox>("Run in background");
+    const int before = box->sizeHint().height();
+    QFont large(usual);
+    large.setPointSizeF(20);
+    const_cast<Theme&>(theme()).setLook({.font = large});
+    settle();
+    EXPECT_EQ(QFontInfo(box->font()).pixelSize(), 26);
+    EXPECT_GT(box->height(), before);
+}
+
 TEST_F(LookTest, TheProgressIndicatorStandsIfTheDesktopWantsNoAnimations) {
     open({800, 614});
     service->isLoading.set(true);

@@ -10,6 +10,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusVariant>
+#include <QGuiApplication>
 #include <QProcess>
 #include <QTest>
 
@@ -36,6 +37,8 @@ static const QDBusArgument& operator>>(const QDBusArgument& argument, AccentColo
 
 constexpr auto appearanceGroup = "org.freedesktop.appearance";
 constexpr auto gnomeGroup = "org.gnome.desktop.interface";
+constexpr auto gnomeAccessibilityGroup = "org.gnome.desktop.a11y.interface";
+constexpr auto kdeGroup = "org.kde.kdeglobals.General";
 
 /// The desktop portal's settings.
 class Portal : public QObject, protected QDBusContext {
@@ -80,7 +83,10 @@ protected:
                                            QDBusConnection::ExportAllSignals));
         ASSERT_TRUE(bus.registerService("org.freedesktop.portal.Desktop"));
     }
-    void TearDown() override { QDBusConnection::disconnectFromBus("portal"); }
+    void TearDown() override {
+        QDBusConnection::disconnectFromBus("portal");
+        qunsetenv("XDG_CURRENT_DESKTOP");
+    }
 
     static bool until(const std::function<bool()>& condition) {
         return QTest::qWaitFor(condition, 30'000);
@@ -102,7 +108,8 @@ TEST_F(SystemAppearanceTest, FollowsThePortalAlsoWhileRunning) {
     int changes = 0;
     QObject::connect(&appearance, &SystemAppearance::changed, [&] { ++changes; });
     ASSERT_TRUE(until([&] { return appearance.look().isDark; }));
-    EXPECT_EQ(portal.asked, (QStringList{appearanceGroup, gnomeGroup}));
+    EXPECT_EQ(portal.asked,
+              (QStringList{appearanceGroup, gnomeGroup, gnomeAccessibilityGroup, kdeGroup}));
     changeScheme(2);
     ASSERT_TRUE(until([&] { return !appearance.look().isDark; }));
     changeScheme(1);
@@ -144,12 +151,89 @@ TEST_F(SystemAppearanceTest, FollowsTheAccentColour) {
     ASSERT_TRUE(until([&] { return appearance.look().accent == QColor::fromRgb(51, 153, 0); }));
     change(appearanceGroup, "accent-color", accent(1, 0, 0));
     ASSERT_TRUE(until([&] { return appearance.look().accent == QColor(Qt::red); }));
+    changeScheme(1);
+    ASSERT_TRUE(until([&] { return appearance.look().isDark; }));
+    EXPECT_EQ(appearance.look().accent, QColor(Qt::red));
     change(appearanceGroup, "accent-color", accent(-1, -1, -1));
     ASSERT_TRUE(until([&] { return !appearance.look().accent.isValid(); }));
     change(appearanceGroup, "accent-color", accent(1, 0, 0));
     ASSERT_TRUE(until([&] { return appearance.look().accent.isValid(); }));
     change(appearanceGroup, "accent-color", "red");
     ASSERT_TRUE(until([&] { return !appearance.look().accent.isValid(); }));
+}
+
+TEST_F(SystemAppearanceTest, FollowsTheHighContrastOfOldReleasesOfGNOME) {
+    portal.settings = {{gnomeAccessibilityGroup, {{"high-contrast", true}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    ASSERT_TRUE(until([&] { return appearance.look().hasHighContrast; }));
+    change(gnomeAccessibilityGroup, "high-contrast", false);
+    ASSERT_TRUE(until([&] { return !appearance.look().hasHighContrast; }));
+    change(appearanceGroup, "contrast", 1U);
+    ASSERT_TRUE(until([&] { return appearance.look().hasHighContrast; }));
+}
+
+TEST_F(SystemAppearanceTest, FollowsTheWishForLessMotion) {
+    portal.settings = {{gnomeGroup, {{"enable-animations", true}}},
+                       {appearanceGroup, {{"reduced-motion", 1U}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    ASSERT_TRUE(until([&] { return !appearance.look().isAnimated; }));
+    change(appearanceGroup, "reduced-motion", 0U);
+    ASSERT_TRUE(until([&] { return appearance.look().isAnimated; }));
+}
+
+TEST_F(SystemAppearanceTest, FollowsTheFontAndTextScaleOfGNOME) {
+    qputenv("XDG_CURRENT_DESKTOP", "ubuntu:GNOME");
+    portal.settings = {
+        {gnomeGroup,
+         {{"font-name", "DejaVu Sans Medium Oblique 12"}, {"text-scaling-factor", 1.5}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    const auto isFont = [&](const QStringList& families, double points) {
+        const auto& font = appearance.look().font;
+        return font && font->families() == families && font->pointSizeF() == points;
+    };
+    ASSERT_TRUE(until([&] { return isFont({"DejaVu Sans"}, 18); }));
+    change(gnomeGroup, "text-scaling-factor", 1.25);
+    ASSERT_TRUE(until([&] { return isFont({"DejaVu Sans"}, 15); }));
+    change(gnomeGroup, "font-name", "DejaVu Sans Mono 8");
+    ASSERT_TRUE(until([&] { return isFont({"DejaVu Sans Mono"}, 10); }));
+    change(gnomeGroup, "font-name", "Absent 16");
+    ASSERT_TRUE(until([&] { return isFont(QGuiApplication::font().families(), 20); }));
+    for (const char* wrong : {"", " ", "DejaVu Sans", "12 DejaVu Sans", "DejaVu Sans -12"}) {
+        change(gnomeGroup, "font-name", wrong);
+        ASSERT_TRUE(until([&] { return !appearance.look().font; })) << wrong;
+        change(gnomeGroup, "font-name", "Inter 8");
+        ASSERT_TRUE(until([&] { return appearance.look().font.has_value(); }));
+    }
+}
+
+TEST_F(SystemAppearanceTest, LeavesTheFontOfOtherDesktopsToQt) {
+    qputenv("XDG_CURRENT_DESKTOP", "XFCE");
+    portal.settings = {{appearanceGroup, {{"color-scheme", 1U}}},
+                       {gnomeGroup, {{"font-name", "DejaVu Sans 12"}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    ASSERT_TRUE(until([&] { return appearance.look().isDark; }));
+    EXPECT_FALSE(appearance.look().font);
+}
+
+TEST_F(SystemAppearanceTest, FollowsTheFontOfKDE) {
+    qputenv("XDG_CURRENT_DESKTOP", "KDE");
+    portal.settings = {{gnomeGroup, {{"font-name", "DejaVu Sans 8"}}},
+                       {kdeGroup, {{"font", "DejaVu Sans,14,-1,5,50,0,0,0,0,0"}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    const auto isSize = [&](double points) {
+        const auto& font = appearance.look().font;
+        return font && font->family() == "DejaVu Sans" && font->pointSizeF() == points;
+    };
+    ASSERT_TRUE(until([&] { return isSize(14); }));
+    change(kdeGroup, "font", "DejaVu Sans,11,-1,5,50,0,0,0,0,0");
+    ASSERT_TRUE(until([&] { return isSize(11); }));
+    change(kdeGroup, "font", "");
+    ASSERT_TRUE(until([&] { return !appearance.look().font; }));
 }
 
 TEST_F(SystemAppearanceTest, IsTheUsualOneWithoutAPortal) {

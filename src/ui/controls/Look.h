@@ -2,6 +2,9 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
+
+#include <optional>
 
 namespace brevane {
 
@@ -11,6 +14,7 @@ struct Look {
     bool hasHighContrast = false;
     bool isAnimated = true; ///< false stops movement that only decorates
     QColor accent{};        ///< of selected and focused controls; invalid for Brevane's own blue
+    std::optional<QFont> font{}; ///< of ordinary text; none where Qt itself follows the desktop's
 
     friend bool operator==(const Look&, const Look&) = default;
 };

@@ -2,6 +2,7 @@
 #include "SystemAppearance.h"
 
 #include <QCoreApplication>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QPalette>
 #include <QStyleHints>
@@ -54,6 +55,8 @@ constexpr auto portalPath = "/org/freedesktop/portal/desktop";
 constexpr auto portalSettings = "org.freedesktop.portal.Settings";
 constexpr auto appearance = "org.freedesktop.appearance";
 constexpr auto gnome = "org.gnome.desktop.interface";
+constexpr auto gnomeAccessibility = "org.gnome.desktop.a11y.interface";
+constexpr auto kde = "org.kde.kdeglobals.General";
 // A running portal replies within a few milliseconds; waiting for that keeps the first frame from
 // flashing in the wrong scheme.
 constexpr int firstAnswerWithinMs = 50;
@@ -74,9 +77,28 @@ QColor accentColor(const QVariant& value) {
                             static_cast<float>(blue));
 }
 
+bool isDesktop(const QString& name) {
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(':').contains(name);
+}
+
+// A description in Pango's format, such as "Cantarell Bold 11" with the size in points.
+std::optional<QFont> gnomeFont(const QString& description, double textScale) {
+    QStringList family = description.split(' ', Qt::SkipEmptyParts);
+    const double points = family.isEmpty() ? 0 : family.takeLast().toDouble();
+    if (!(points > 0) || !(textScale > 0)) return {};
+    // Behind the family there may be words for its weight and style.
+    while (!family.isEmpty() && !QFontDatabase::hasFamily(family.join(' ')))
+        family.removeLast();
+    QFont font = QGuiApplication::font();
+    if (!family.isEmpty()) font.setFamilies({family.join(' ')});
+    // On X11 Qt enlarges the whole window by the scale of text.
+    font.setPointSizeF(QGuiApplication::platformName() == "xcb" ? points : points * textScale);
+    return font;
+}
+
 QDBusMessage readSettings(bool mayStartPortal) {
     auto read = QDBusMessage::createMethodCall(portal, portalPath, portalSettings, "ReadAll");
-    read << QStringList{appearance, gnome};
+    read << QStringList{appearance, gnome, gnomeAccessibility, kde};
     read.setAutoStartService(mayStartPortal);
     return read;
 }
@@ -84,7 +106,7 @@ QDBusMessage readSettings(bool mayStartPortal) {
 } // namespace
 
 SystemAppearance::SystemAppearance(QObject* parent)
-    : QObject(parent), look_{.isDark = isPaletteDark()}, isDarkWithoutPreference_(look_.isDark) {
+    : QObject(parent), initialLook_{.isDark = isPaletteDark()}, look_(initialLook_) {
     // Connecting to the bus takes a while; the window is created meanwhile.
     asking_ = std::async(std::launch::async, [this] { askPortal(); });
 }
@@ -130,23 +152,34 @@ void SystemAppearance::portalSettingChanged(const QString& group, const QString&
 }
 
 void SystemAppearance::take(const Settings& settings) {
-    Look look = look_;
-    const auto read = [&](const char* group, const char* key, auto set) {
-        const QVariant value = settings.value(group).value(key);
-        if (value.isValid()) set(value);
+    for (auto group = settings.begin(); group != settings.end(); ++group)
+        settings_[group.key()].insert(group.value());
+    setLook(lookAsked());
+}
+
+Look SystemAppearance::lookAsked() const {
+    const auto read = [&](const char* group, const char* key, const QVariant& otherwise) {
+        return settings_.value(group).value(key, otherwise);
     };
-    read(appearance, "color-scheme", [&](const QVariant& scheme) {
-        enum { noPreference, preferDark };
-        look.isDark = scheme.toUInt() == noPreference ? isDarkWithoutPreference_
-                                                      : scheme.toUInt() == preferDark;
-    });
-    read(appearance, "contrast",
-         [&](const QVariant& contrast) { look.hasHighContrast = contrast.toUInt() == 1; });
-    read(appearance, "accent-color",
-         [&](const QVariant& color) { look.accent = accentColor(color); });
-    read(gnome, "enable-animations",
-         [&](const QVariant& enabled) { look.isAnimated = enabled.toBool(); });
-    setLook(look);
+    Look look = initialLook_;
+    enum { noPreference, preferDark, preferLight };
+    const auto scheme = read(appearance, "color-scheme", noPreference).toUInt();
+    if (scheme == preferDark || scheme == preferLight) look.isDark = scheme == preferDark;
+    look.hasHighContrast = read(appearance, "contrast", 0).toUInt() == 1 ||
+                           read(gnomeAccessibility, "high-contrast", false).toBool();
+    look.accent = accentColor(read(appearance, "accent-color", {}));
+    look.isAnimated = read(appearance, "reduced-motion", 0).toUInt() != 1 &&
+                      read(gnome, "enable-animations", true).toBool();
+    // Portals report GNOME's settings on other desktops too, where they are not the user's.
+    if (isDesktop("GNOME")) {
+        look.font = gnomeFont(read(gnome, "font-name", {}).toString(),
+                              read(gnome, "text-scaling-factor", 1).toDouble());
+    } else if (const QString description = read(kde, "font", {}).toString();
+               !description.isEmpty()) {
+        QFont font;
+        if (font.fromString(description)) look.font = font;
+    }
+    return look;
 }
 
 #endif

@@ -41,17 +41,17 @@ private:
     void askPortal();
     void startPortal();
     void take(const Settings& settings);
+    [[nodiscard]] Look lookAsked() const;
 
     std::future<void> asking_;
+    Settings settings_;      ///< as the portal last reported them
+    const Look initialLook_; ///< as the platform's theme was at the start
 #endif
 
 private:
     void setLook(const Look& look);
 
     Look look_;
-#ifndef __APPLE__
-    bool isDarkWithoutPreference_; ///< as the platform's theme was at the start
-#endif
 };
 
 } // namespace brevane

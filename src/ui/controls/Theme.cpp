@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QToolTip>
+#include <QWindow>
 
 #include <algorithm>
 #include <array>
@@ -60,6 +61,16 @@ double pixelSize(const QFont& font) {
     if (font.pixelSize() > 0) return font.pixelSize();
     const QScreen* const screen = QGuiApplication::primaryScreen(); // there may be none for a while
     return font.pointSizeF() * (screen == nullptr ? 96 : screen->logicalDotsPerInchY()) / 72;
+}
+
+// Qt's title bars on Wayland take their colours from the palette only when they are created.
+void recreateTitleBars() {
+    if (!QGuiApplication::platformName().startsWith("wayland")) return;
+    for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        const Qt::WindowFlags flags = window->flags();
+        window->setFlags(flags | Qt::FramelessWindowHint);
+        window->setFlags(flags);
+    }
 }
 
 } // namespace
@@ -135,8 +146,10 @@ void Theme::setLook(const Look& look) {
     if (look_ == look) return;
     look_ = look;
     colors_ = Colors::of(look_);
+    if (look.font && *look.font != QApplication::font()) QApplication::setFont(*look.font);
     // Sends every widget a palette change, on which it repaints.
     QApplication::setPalette(palette());
+    recreateTitleBars();
     Q_EMIT changed();
 }
 
