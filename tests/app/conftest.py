@@ -3,12 +3,10 @@
 
 import json
 import os
-import shutil
 import signal
 import socket
 import subprocess
 import sys
-import tempfile
 import time
 import uuid
 from contextlib import suppress
@@ -18,11 +16,10 @@ import pytest
 
 sys.path.insert(0, str(Path(__file__).parents[1] / "e2e"))
 
-from driver import accessibility, process  # noqa: E402
+from driver import accessibility, process, screen  # noqa: E402
+from driver.screen import desktop  # noqa: E402, F401
 from driver.waiting import until  # noqa: E402
-from driver.wayland import WaylandDesktop  # noqa: E402
 from driver.window import Window  # noqa: E402
-from driver.x11 import X11Desktop  # noqa: E402
 
 STATUS = {"BackendState": "Running", "Self": {"DNSName": "host.example.ts.net.", "TailscaleIPs": ["100.64.0.1"], "HostName": "host"}}
 
@@ -45,7 +42,7 @@ def connected(port):
 
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program, built for the tailscale of this folder")
-    parser.addoption("--screen", choices=["x11", "wayland"], default="x11")
+    screen.add_option(parser)
 
 
 def pytest_configure(config):
@@ -57,15 +54,6 @@ def pytest_collection_modifyitems(config, items):
         chosen = [item for item in items if not item.get_closest_marker("x11")]
         config.hook.pytest_deselected(items=[item for item in items if item not in chosen])
         items[:] = chosen
-
-
-@pytest.fixture(scope="session")
-def desktop(pytestconfig):
-    kind = WaylandDesktop if pytestconfig.getoption("--screen") == "wayland" else X11Desktop
-    folder = tempfile.mkdtemp(prefix="brevane-app-")
-    with kind(folder) as running:
-        yield running
-    shutil.rmtree(folder, ignore_errors=True)
 
 
 @pytest.fixture
@@ -135,6 +123,12 @@ class User:
     def window(self, child):
         """The main window, seen through its accessibility interface."""
         return Window(until("the program", lambda: accessibility.application(child.pid)), self.desktop)
+
+    def await_keyboard(self, child, title="Brevane"):
+        """Waits until the window with this title has the keyboard, as the desktop sees it and as the program does: on Wayland, Qt
+        takes notice a round trip later, and until then Ctrl+W closes the window that had it before."""
+        windows = until("the program", lambda: accessibility.application(child.pid))
+        until(f"{title} to have the keyboard", lambda: self.active_title() == title and windows.await_one(title).has("active"))
 
     def key(self, *combinations):
         """Presses keys in the focused window."""

@@ -10,7 +10,7 @@ from driver.window import TEXT
 @pytest.fixture
 def child(user):
     child = user.start()
-    until("the keyboard", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
     return child
 
 
@@ -20,26 +20,26 @@ def choose(user, menu, item):
     user.key(item)
 
 
-def open_about(user):
+def open_about(user, child):
     choose(user, "b", "a")
-    until("the panel in front", lambda: user.active_title() == "About Brevane")
+    user.await_keyboard(child, "About Brevane")
 
 
 def close_about(user, child, key):
     user.key(key)
     until("the panel to close", lambda: not user.windows("About Brevane", child.pid))
-    until("the main window", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
 
 
 def activate_main(user, child):
     user.desktop.activate(*user.windows("Brevane", child.pid))
-    until("the main window", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
 
 
 def test_about_twice_is_one_panel(user, child):
-    open_about(user)
+    open_about(user, child)
     activate_main(user, child)
-    open_about(user)
+    open_about(user, child)
     assert len(user.windows("About Brevane", child.pid)) == 1
 
 
@@ -47,20 +47,20 @@ def test_about_twice_is_one_panel(user, child):
 @pytest.mark.parametrize("key", ["ctrl+w", "Escape", pytest.param("alt+F4", marks=pytest.mark.x11)])
 def test_a_closed_about_panel_opens_again(user, child, key):
     for _ in range(2):
-        open_about(user)
+        open_about(user, child)
         close_about(user, child, key)
     assert child.poll() is None
 
 
 def test_closing_the_main_window_quits_with_the_about_panel_open(user, child):
-    open_about(user)
+    open_about(user, child)
     activate_main(user, child)
     user.key("ctrl+w")
     assert child.wait(30) == 0
 
 
 def test_the_about_panel_tells_assistive_technology_all_of_it(user, child):
-    open_about(user)
+    open_about(user, child)
     panel = user.window(child).application.await_one("About Brevane")
     names = [element.name for element in panel.descendants() if element.name]
     assert names[0] == "Orvale, Small tools, well made"
@@ -120,7 +120,7 @@ def test_edit_keys_do_no_harm_wherever_the_keyboard_is(user, child):
 
 
 def test_edit_keys_do_no_harm_in_the_about_panel_and_over_an_open_menu(user, child):
-    open_about(user)
+    open_about(user, child)
     for _ in range(3):
         user.key(*EDIT_KEYS)
         user.key("Tab")

@@ -47,13 +47,13 @@ KEYS = ["ctrl+q", "ctrl+w", pytest.param("alt+F4", marks=pytest.mark.x11)]
 @pytest.mark.parametrize("keys", KEYS)
 def test_keys_quit(user, keys):
     child = user.start()
-    until("the keyboard", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
     assert_quits(user, child, lambda: user.key(keys))
 
 
 def test_close_in_the_menu_quits(user):
     child = user.start()
-    until("the keyboard", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
     user.open_menu("w")
     user.window(child).frame.await_one("Close", "menu item")
     assert_quits(user, child, lambda: user.key("c"))
@@ -62,7 +62,7 @@ def test_close_in_the_menu_quits(user):
 @pytest.mark.parametrize("keys", KEYS)
 def test_keys_quit_while_a_menu_is_open(user, keys):
     child = user.start()
-    until("the keyboard", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
     user.open_menu("b")
     user.window(child).frame.await_one("About Brevane", "menu item")
     # The first key may do no more than close the menu.

@@ -68,7 +68,7 @@ def test_desktop_file_and_window_class_agree_and_the_window_has_an_icon(user):
 
 def test_the_source_can_be_typed_at_once(user):
     child = user.start()
-    until("the window to be active", lambda: user.active_title() == "Brevane")
+    user.await_keyboard(child)
     user.desktop.type("3000")
     field = user.window(child).field("Port or URL")
     until("the text", lambda: field.text == "3000")

@@ -41,8 +41,9 @@ def test_a_share_is_added_and_the_window_closed_at_every_scale(user, compositor,
 
 
 def test_a_source_type_is_chosen_with_the_keyboard(user, desktop):
-    window = user.window(user.start())
-    until("the keyboard", lambda: user.active_title() == "Brevane")
+    child = user.start()
+    user.await_keyboard(child)
+    window = user.window(child)
     box = window.frame.await_one(role="combo box")
     desktop.key("shift+Tab", "space")
     until("the list to drop down", lambda: box.find(role="list item"))
@@ -67,7 +68,7 @@ def own_compositor(user):
     user.environment["WAYLAND_DISPLAY"] = str(compositor.socket)
     yield compositor
     compositor.server.send_signal(signal.SIGCONT)
-    compositor.end()
+    process.end(compositor.server)
 
 
 def start_on(compositor, user):

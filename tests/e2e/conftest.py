@@ -2,22 +2,21 @@
 """The desktop, the tailnet and the program that the tests share."""
 
 import shutil
-import tempfile
 from pathlib import Path
 
 import pytest
 
+from driver import screen
 from driver.application import Application
+from driver.screen import desktop  # noqa: F401
 from driver.tailnet import Tailnet
-from driver.wayland import WaylandDesktop
-from driver.x11 import X11Desktop
 
 
 def pytest_addoption(parser):
     parser.addoption("--program", required=True, help="the program under test")
     parser.addoption("--tailscale", required=True, help="DIR/host/tailscale, the command that it was built for")
     parser.addoption("--hung-disk", help="a program that mounts a file system that hangs; needs root")
-    parser.addoption("--screen", choices=["x11", "wayland"], default="x11")
+    screen.add_option(parser)
     parser.addoption("--tailnet-programs", required=True, help="folder of tailnet, tailscale and tailscaled")
 
 
@@ -26,15 +25,6 @@ def tailnet(pytestconfig):
     command = Path(pytestconfig.getoption("--tailscale"))
     with Tailnet(pytestconfig.getoption("--tailnet-programs"), command.parent.parent) as running:
         yield running
-
-
-@pytest.fixture(scope="session")
-def desktop(pytestconfig):
-    kind = WaylandDesktop if pytestconfig.getoption("--screen") == "wayland" else X11Desktop
-    folder = tempfile.mkdtemp(prefix="brevane-e2e-")
-    with kind(folder) as running:
-        yield running
-    shutil.rmtree(folder, ignore_errors=True)
 
 
 @pytest.fixture

@@ -56,10 +56,6 @@ class Compositor:
 
         return until(f"the compositor's {name}", found)
 
-    def end(self):
-        process.end(self.server)
-        shutil.rmtree(self.folder, ignore_errors=True)
-
     def tell(self, *words):
         """Sends a command and returns the answer; None if there is none."""
         asked = subprocess.run(["swaymsg", "--raw", *words], env=self.environment, capture_output=True, text=True, timeout=60)
@@ -108,7 +104,7 @@ class WaylandDesktop(Desktop):
             self.keyboard.close()
         super().__exit__(*arguments)
         if self.compositor:
-            self.compositor.end()
+            shutil.rmtree(self.compositor.folder, ignore_errors=True)
 
     def key(self, *combinations):
         """Presses keys, such as "Home" or "ctrl+w", in the focused window."""
