@@ -1,12 +1,15 @@
 # SPDX-License-Identifier: MIT
 """The window on a Wayland compositor."""
 
+import re
 import signal
+from contextlib import closing
 from pathlib import Path
 
 import pytest
 
 from driver import process
+from driver.portal import Portal
 from driver.wayland import Compositor
 from driver.waiting import until
 
@@ -51,6 +54,22 @@ def test_a_source_type_is_chosen_with_the_keyboard(user, desktop):
     desktop.type("hello")
     field = window.field("Directory Path")
     until("the text", lambda: field.text == "hello")
+
+
+def shown_at(desktop, x, y):
+    """The colour of a point of the screen: red, green and blue."""
+    return tuple(desktop.ask("grim", "-t", "ppm", "-g", f"{x},{y} 1x1", "-", text=False)[-3:])
+
+
+def test_a_dark_window_keeps_the_title_bar_of_the_desktop(user, desktop):
+    user.environment["WAYLAND_DEBUG"] = "1"
+    user.start()
+    with closing(Portal(desktop.environment)) as portal:
+        portal.set_scheme(1)
+        until("the window to turn dark", lambda: max(shown_at(desktop, 640, 700)) < 64)
+    said = (user.folder / "program.log").read_text()
+    assert re.search(r"zxdg_toplevel_decoration_v1\S+\.configure\(2\)", said)
+    assert not re.search(r"zxdg_toplevel_decoration_v1\S+\.destroy\(", said)
 
 
 @pytest.mark.parametrize("variable", ["XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"])

@@ -19,10 +19,10 @@ sys.path[:0] = [str(TESTS / "app"), str(TESTS / "e2e")]
 
 from conftest import User  # noqa: E402
 from driver import process  # noqa: E402
+from driver.portal import Portal  # noqa: E402
 from driver.x11 import X11Desktop  # noqa: E402
 
 from actions import Actions  # noqa: E402
-from portal import Portal  # noqa: E402
 from screen import Screen  # noqa: E402
 
 # The event loop has hung if it does not answer for this long, under a sanitizer and on a busy machine.

@@ -46,13 +46,24 @@ class Portal : public QObject, protected QDBusContext {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 public:
     QMap<QString, QVariantMap> settings;
+    QMap<QString, QVariantMap> settingsOfAnotherDesktop; // behind the others, with the same keys
     QStringList asked;
 
 public Q_SLOTS:
     void ReadAll(const QStringList& groups) {
         asked = groups;
         setDelayedReply(true);
-        connection().send(message().createReply(QVariant::fromValue(settings)));
+        QDBusArgument answer;
+        answer.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QVariantMap>());
+        for (const auto& part : {settings, settingsOfAnotherDesktop}) {
+            for (auto group = part.begin(); group != part.end(); ++group) {
+                answer.beginMapEntry();
+                answer << group.key() << group.value();
+                answer.endMapEntry();
+            }
+        }
+        answer.endMap();
+        connection().send(message().createReply(QVariant::fromValue(answer)));
     }
 
 Q_SIGNALS:
@@ -63,7 +74,6 @@ Q_SIGNALS:
 class SystemAppearanceTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
-        qDBusRegisterMetaType<QMap<QString, QVariantMap>>();
         qDBusRegisterMetaType<AccentColor>();
         daemon = new QProcess;
         daemon->start("dbus-daemon", {"--session", "--nofork", "--print-address"});
@@ -124,6 +134,15 @@ TEST_F(SystemAppearanceTest, FollowsThePortalAlsoWhileRunning) {
     // GNOME has no preference for light: switching dark off withdraws it.
     changeScheme(0);
     ASSERT_TRUE(until([&] { return !appearance.look().isDark; }));
+}
+
+TEST_F(SystemAppearanceTest, FollowsTheFirstOfThePortalsThatAnswer) {
+    portal.settings = {{appearanceGroup, {{"color-scheme", 1U}}}};
+    portal.settingsOfAnotherDesktop = {{appearanceGroup, {{"color-scheme", 0U}, {"contrast", 1U}}}};
+    servePortal();
+    const SystemAppearance appearance;
+    ASSERT_TRUE(until([&] { return appearance.look().hasHighContrast; }));
+    EXPECT_TRUE(appearance.look().isDark);
 }
 
 TEST_F(SystemAppearanceTest, FollowsContrastAndAnimationsToo) {

@@ -12,10 +12,7 @@
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
-#include <QDBusReply>
 #include <QDBusVariant>
 #endif
 
@@ -103,6 +100,27 @@ QDBusMessage readSettings(bool mayStartPortal) {
     return read;
 }
 
+// The settings in a reply; nothing if it is an error.
+std::optional<SystemAppearance::Settings> settingsIn(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sa{sv}}") return {};
+    SystemAppearance::Settings settings;
+    const auto groups = reply.arguments().constFirst().value<QDBusArgument>();
+    groups.beginMap();
+    while (!groups.atEnd()) {
+        QString name;
+        QVariantMap group;
+        groups.beginMapEntry();
+        groups >> name >> group;
+        groups.endMapEntry();
+        // Where the portals of several desktops answer, the group is there several times; the first
+        // is of the desktop that runs.
+        group.insert(settings.value(name));
+        settings.insert(name, group);
+    }
+    groups.endMap();
+    return settings;
+}
+
 } // namespace
 
 SystemAppearance::SystemAppearance(QObject* parent)
@@ -120,17 +138,16 @@ void SystemAppearance::awaitFirstAnswer() {
 void SystemAppearance::askPortal() {
     auto bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) return;
-    // Connecting and decoding fail if the types are not registered.
+    // Connecting fails if the type is not registered.
     qRegisterMetaType<QDBusVariant>();
-    qDBusRegisterMetaType<Settings>();
     bus.connect(portal, portalPath, portalSettings, "SettingChanged", this,
                 SLOT(portalSettingChanged(QString, QString, QDBusVariant)));
 
-    const QDBusReply<Settings> answer =
-        bus.call(readSettings(false), QDBus::Block, firstAnswerWithinMs);
+    const auto answer =
+        settingsIn(bus.call(readSettings(false), QDBus::Block, firstAnswerWithinMs));
     QMetaObject::invokeMethod(this, [this, answer] {
-        if (answer.isValid())
-            take(answer.value());
+        if (answer)
+            take(*answer);
         else
             startPortal();
     });
@@ -140,9 +157,8 @@ void SystemAppearance::startPortal() {
     auto* watcher = new QDBusPendingCallWatcher(
         QDBusConnection::sessionBus().asyncCall(readSettings(true)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher] {
-        const QDBusPendingReply<Settings> reply = *watcher;
         watcher->deleteLater();
-        if (reply.isValid()) take(reply.value());
+        if (const auto answer = settingsIn(watcher->reply())) take(*answer);
     });
 }
 

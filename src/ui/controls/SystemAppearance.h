@@ -28,6 +28,8 @@ public:
     /// A later reply emits `changed`.
     void awaitFirstAnswer();
 
+    using Settings = QMap<QString, QVariantMap>; ///< the portal's, by group and key
+
 Q_SIGNALS:
     void changed();
 
@@ -36,8 +38,6 @@ private Q_SLOTS:
     void portalSettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
 
 private:
-    using Settings = QMap<QString, QVariantMap>; // by group and key
-
     void askPortal();
     void startPortal();
     void take(const Settings& settings);

@@ -63,10 +63,12 @@ double pixelSize(const QFont& font) {
     return font.pointSizeF() * (screen == nullptr ? 96 : screen->logicalDotsPerInchY()) / 72;
 }
 
-// Qt's title bars on Wayland take their colours from the palette only when they are created.
+// Qt's title bars on Wayland take their colours from the palette only when they are created. A
+// window without a margin has the desktop's title bar, and would get Qt's in addition.
 void recreateTitleBars() {
     if (!QGuiApplication::platformName().startsWith("wayland")) return;
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
+        if (window->frameMargins().isNull()) continue;
         const Qt::WindowFlags flags = window->flags();
         window->setFlags(flags | Qt::FramelessWindowHint);
         window->setFlags(flags);

@@ -79,10 +79,10 @@ class Desktop:
         self.assert_whole()
         return subprocess.run(question, env=self.environment, capture_output=True).returncode == 0
 
-    def ask(self, *command):
-        """What a command prints; empty if it fails."""
+    def ask(self, *command, text=True):
+        """What a command prints, as text or as bytes; empty if it fails."""
         words = [str(word) for word in command]
-        return subprocess.run(words, env=self.environment, capture_output=True, text=True, timeout=60).stdout
+        return subprocess.run(words, env=self.environment, capture_output=True, text=text, timeout=60).stdout
 
     def await_accessibility(self):
         """Waits for the registry, which misses programs that start before it."""

@@ -9,7 +9,7 @@ NAME = "org.freedesktop.portal.Desktop"
 PATH = "/org/freedesktop/portal/desktop"
 GROUP, KEY = "org.freedesktop.appearance", "color-scheme"
 INTERFACE = """<node><interface name="org.freedesktop.portal.Settings">
-<method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/><arg type="v" direction="out"/></method>
+<method name="ReadAll"><arg type="as" direction="in"/><arg type="a{sa{sv}}" direction="out"/></method>
 <signal name="SettingChanged"><arg type="s"/><arg type="s"/><arg type="v"/></signal>
 </interface></node>"""
 
@@ -27,11 +27,14 @@ class Portal:
         self.context.pop_thread_default()
         threading.Thread(target=self.run, daemon=True).start()
 
+    def close(self):
+        self.bus.close_sync(None)
+
     def run(self):
         GLib.MainLoop.new(self.context, False).run()
 
     def answer(self, _connection, _sender, _path, _interface, _method, _arguments, invocation):
-        invocation.return_value(GLib.Variant("(v)", (GLib.Variant("v", GLib.Variant("u", self.scheme)),)))
+        invocation.return_value(GLib.Variant("(a{sa{sv}})", ({GROUP: {KEY: GLib.Variant("u", self.scheme)}},)))
 
     def set_scheme(self, scheme):
         self.scheme = scheme
