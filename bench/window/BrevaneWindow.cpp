@@ -7,7 +7,7 @@
 #include "AppDelegate.h"
 #include "Clock.h"
 #include "Configuration.h"
-#include "FontList.h"
+#include "FontListReader.h"
 #include "Inside.h"
 #include "NextFrame.h"
 #include "Preferences.h"
@@ -49,7 +49,7 @@ void endInTwoSeconds() {
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
     const std::string_view mode = argv[2];
-    const auto fonts = readFontList();
+    const FontListReader fonts;
     const QApplication application(argc, argv);
     const Theme look;
     ServerPool pool;

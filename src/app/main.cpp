@@ -3,7 +3,7 @@
 #include "CommandLine.h"
 #include "Configuration.h"
 #include "FileHTTPServer.h"
-#include "FontList.h"
+#include "FontListReader.h"
 #include "LastWords.h"
 #include "OpenFileLimit.h"
 #include "Preferences.h"
@@ -58,7 +58,7 @@ int run(int& argc, char** argv, const std::function<void(AppDelegate&)>& hasLaun
     QApplication::setApplicationName("Brevane");
     QApplication::setDesktopFileName("com.brevane.brevane");
     QuitWatch quitWatch;
-    const auto fonts = readFontList();
+    const FontListReader fonts;
     const QApplication application(argc, argv);
     const Theme theme;
 

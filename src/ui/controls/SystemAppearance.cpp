@@ -41,6 +41,8 @@ SystemAppearance::SystemAppearance(QObject* parent)
 #endif
 }
 
+SystemAppearance::~SystemAppearance() = default;
+
 void SystemAppearance::awaitFirstAnswer() {}
 
 #else
@@ -125,12 +127,17 @@ std::optional<SystemAppearance::Settings> settingsIn(const QDBusMessage& reply) 
 
 SystemAppearance::SystemAppearance(QObject* parent)
     : QObject(parent), initialLook_{.isDark = isPaletteDark()}, look_(initialLook_) {
-    // Connecting to the bus takes a while; the window is created meanwhile.
-    asking_ = std::async(std::launch::async, [this] { askPortal(); });
+    // Connecting to the bus takes a while; the window is created meanwhile. Not std::async: where
+    // no thread can be started, libc++'s waits for ever.
+    asking_ = std::thread([this] { askPortal(); });
+}
+
+SystemAppearance::~SystemAppearance() {
+    if (asking_.joinable()) asking_.join();
 }
 
 void SystemAppearance::awaitFirstAnswer() {
-    asking_.wait();
+    if (asking_.joinable()) asking_.join();
     QCoreApplication::sendPostedEvents(this);
 }
 

@@ -8,7 +8,7 @@
 #include <QString>
 #include <QVariant>
 
-#include <future>
+#include <thread>
 
 class QDBusVariant;
 
@@ -21,6 +21,7 @@ class SystemAppearance : public QObject {
     Q_OBJECT
 public:
     explicit SystemAppearance(QObject* parent = nullptr);
+    ~SystemAppearance() override;
 
     [[nodiscard]] const Look& look() const { return look_; }
 
@@ -43,7 +44,7 @@ private:
     void take(const Settings& settings);
     [[nodiscard]] Look lookAsked() const;
 
-    std::future<void> asking_;
+    std::thread asking_;
     Settings settings_;      ///< as the portal last reported them
     const Look initialLook_; ///< as the platform's theme was at the start
 #endif

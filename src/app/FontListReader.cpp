@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "FontList.h"
+#include "FontListReader.h"
 
 #ifndef __APPLE__
 #include <fontconfig/fontconfig.h>
@@ -7,13 +7,15 @@
 
 namespace brevane {
 
-std::future<void> readFontList() {
-#ifdef __APPLE__
-    return {};
-#else
+FontListReader::FontListReader() {
+#ifndef __APPLE__
     // Qt uses the same configuration: Fontconfig has one per process.
-    return std::async(std::launch::async, [] { FcInit(); });
+    thread_ = std::thread([] { FcInit(); });
 #endif
+}
+
+FontListReader::~FontListReader() {
+    if (thread_.joinable()) thread_.join();
 }
 
 } // namespace brevane
