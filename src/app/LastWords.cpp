@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
 #include <cstdlib>
 #include <exception>
 #include <mutex>
@@ -22,6 +23,10 @@ namespace {
 // Allocates nothing, since memory may have run out. _exit() does not destroy static objects, which
 // other threads still use.
 [[noreturn]] void end(std::string_view reason) {
+    // Where one thread fails, others often do too.
+    static std::atomic_flag isEnding;
+    while (isEnding.test_and_set())
+        pause();
     constexpr std::string_view before = "brevane: ";
     constexpr std::string_view after = "\n";
     const auto part = [](std::string_view text) {
