@@ -92,7 +92,9 @@ void print(const char* name, double value) {
 
 int main(int, char** argv) {
     if (std::getenv("DISPLAY") == nullptr) {
-        execlp("xvfb-run", "xvfb-run", "--auto-servernum", argv[0], nullptr);
+        // With -noreset, the end of one program does not disconnect the next.
+        execlp("xvfb-run", "xvfb-run", "--auto-servernum",
+               "--server-args=-screen 0 1280x1024x24 -noreset", argv[0], nullptr);
         std::perror("xvfb-run");
         return 1;
     }

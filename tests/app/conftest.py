@@ -117,7 +117,12 @@ class User:
     def start(self):
         """Starts the program and waits for its window."""
         child = self.launch()
-        until("the window", lambda: self.windows("Brevane", child.pid))
+
+        def shown():
+            assert child.poll() is None, (self.folder / "program.log").read_text()
+            return self.windows("Brevane", child.pid)
+
+        until("the window", shown)
         return child
 
     def window(self, child):

@@ -12,6 +12,7 @@ class X11Desktop(Desktop):
 
     def start_screen(self):
         self.environment |= {"XDG_SESSION_TYPE": "x11", "QT_QPA_PLATFORM": "xcb"}
+        # Without -noreset, the server resets when its last client leaves, and drops those that are just connecting.
         self.environment["DISPLAY"] = ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset")
         until("the screen", lambda: self.answers("xdotool", "getdisplaygeometry"))
         self.start("openbox", "--sm-disable")
