@@ -5,10 +5,10 @@
 
 namespace brevane {
 
-/// Sends SIGKILL to a process group if our process ends, even by SIGKILL, before this object is
-/// destroyed: PR_SET_PDEATHSIG reaches the shell but not what the shell has forked. Create and
-/// destroy on the same thread. Implemented as a forked process; if the fork fails, and outside
-/// Linux, nothing is guarded.
+/// Sends SIGKILL to a process group if our process ends, even by SIGKILL, between the construction
+/// and the destruction of this object: PR_SET_PDEATHSIG reaches the shell but not what the shell
+/// has forked. Create and destroy on the same thread. Implemented as a forked process; if the fork
+/// fails, and outside Linux, nothing is guarded.
 class GroupGuard {
 public:
     /// The leader of `group` must not be reaped before this is destroyed, since its process ID

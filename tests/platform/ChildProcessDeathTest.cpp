@@ -7,16 +7,22 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <fstream>
 #include <string>
 
 namespace brevane::test {
 namespace {
+
+using namespace std::chrono_literals;
+using std::chrono::steady_clock;
 
 // Another process of ours that runs a child. The child opens a named pipe when it is ready; the
 // pipe reaches end of file when the child is gone.
@@ -36,6 +42,26 @@ protected:
         std::array<char, 32> text{};
         ASSERT_GT(read(reading_, text.data(), text.size() - 1), 0);
         process_ = std::stoi(text.data());
+    }
+
+    // What the child has started is guarded only once the parent has forked the guard.
+    void awaitGuard() const {
+        const auto deadline = steady_clock::now() + 10s;
+        while (!hasGuard()) {
+            ASSERT_LT(steady_clock::now(), deadline);
+            sched_yield();
+        }
+    }
+
+    [[nodiscard]] bool hasGuard() const {
+        const std::string parent = std::to_string(parent_);
+        std::ifstream children("/proc/" + parent + "/task/" + parent + "/children");
+        for (std::string child; children >> child;) {
+            std::ifstream nameFile("/proc/" + child + "/comm");
+            std::string name;
+            if (nameFile >> name && name == "brevane-guard") return true;
+        }
+        return false;
     }
 
     void killParent() const {
@@ -70,6 +96,7 @@ TEST_F(ChildOfAKilledProcess, EndsAlsoWhereItIgnoresTermination) {
 
 TEST_F(ChildOfAKilledProcess, TakesWhatItHasStartedWithIt) {
     start("left-behind");
+    awaitGuard();
     killParent();
     expectGone();
 }
