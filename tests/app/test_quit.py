@@ -144,7 +144,7 @@ def test_a_main_thread_that_waits_for_ever_does_not_hold_it_up(user):
 @pytest.fixture
 def display(desktop, user, monkeypatch):
     """An X server for this user alone."""
-    user.environment["DISPLAY"] = ":" + desktop.announced("Xvfb", "-displayfd", "{fd}", "-nolisten", "tcp", "-noreset")
+    user.environment["DISPLAY"] = desktop.start_server()
     monkeypatch.setitem(desktop.environment, "DISPLAY", user.environment["DISPLAY"])
     server = desktop.children.pop()
     yield server

@@ -12,11 +12,15 @@ class X11Desktop(Desktop):
 
     def start_screen(self):
         self.environment |= {"XDG_SESSION_TYPE": "x11", "QT_QPA_PLATFORM": "xcb"}
-        # Without -noreset, the server resets when its last client leaves, and drops those that are just connecting.
-        self.environment["DISPLAY"] = ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset")
+        self.environment["DISPLAY"] = self.start_server()
         until("the screen", lambda: self.answers("xdotool", "getdisplaygeometry"))
         self.start("openbox", "--sm-disable")
         until("the window manager", lambda: self.answers("xdotool", "get_num_desktops"))
+
+    def start_server(self):
+        """Starts an X server, the last of the desktop's children then, and returns its display."""
+        # Without -noreset, the server resets when its last client leaves, and drops those that are just connecting.
+        return ":" + self.announced("Xvfb", "-displayfd", "{fd}", "-screen", "0", "1280x900x24", "-nolisten", "tcp", "-noreset")
 
     def key(self, *combinations):
         """Presses keys, such as "Home" or "ctrl+w", in the focused window."""
